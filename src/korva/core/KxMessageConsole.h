@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "korva/base/String.h"
+
+// The host's message console. Every line the system reports to the user goes
+// through printf: "Error: " and "Warning: " lines as well as plain reports.
+// By default plain lines go to stdout and error and warning lines to stderr;
+// a sink installed with setSink receives every line instead (tests capture
+// lines this way). One call prints one line; a trailing newline is dropped and
+// inner newlines split the text into several lines.
+class KxMessageConsole {
+public:
+    using Sink = std::function<void(const std::string& line)>;
+
+    static KxMessageConsole& instance();
+
+    void printf(const char* fmt, ...) KX_PRINTF_FORMAT(2, 3);
+    void print(const std::string& text);
+
+    // Installs a sink and returns the previous one (empty means the default output).
+    Sink setSink(Sink sink);
+
+private:
+    KxMessageConsole() = default;
+    void emit(const std::string& line);
+
+    Sink sink_;
+};
+
+#define theMsg (&KxMessageConsole::instance())
