@@ -1,0 +1,467 @@
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+SpatialGraphPoint pt(int edge, int point) {
+    return SpatialGraphPoint(edge, point);
+}
+
+TEST(SpatialGraphSelectionTest, ConstructionSizesAndClear) {
+    SpatialGraphSelection empty;
+    EXPECT_EQ(empty.getNumVertices(), 0);
+    EXPECT_EQ(empty.getNumEdges(), 0);
+    EXPECT_TRUE(empty.isEmpty());
+
+    SpatialGraphSelection s(5, 70);
+    EXPECT_EQ(s.getNumVertices(), 5);
+    EXPECT_EQ(s.getNumEdges(), 70);
+    EXPECT_TRUE(s.isEmpty());
+    EXPECT_FALSE(s.isSameSize(empty));
+
+    s.selectVertex(4);
+    s.selectEdge(69);
+    s.selectAllPointsOnEdge(3);
+    s.selectPoint(pt(1, 2));
+    EXPECT_FALSE(s.isEmpty());
+    s.clear();
+    EXPECT_TRUE(s.isEmpty());
+    EXPECT_EQ(s.getNumVertices(), 5);
+    EXPECT_EQ(s.getNumEdges(), 70);
+    EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(5, 70)));
+}
+
+TEST(SpatialGraphSelectionTest, ResizeKeepsBitsInRangeAndAddsClearBits) {
+    SpatialGraphSelection s(40, 40);
+    s.selectVertex(2);
+    s.selectVertex(35);
+    s.selectEdge(1);
+    s.selectEdge(39);
+    s.selectAllPointsOnEdge(39);
+    s.resize(10, 35);
+    EXPECT_EQ(s.getNumSelectedVertices(), 1);
+    EXPECT_TRUE(s.isSelectedVertex(2));
+    EXPECT_EQ(s.getNumSelectedEdges(), 1);
+    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 0);
+    s.resize(40, 40);
+    EXPECT_FALSE(s.isSelectedVertex(35));
+    EXPECT_FALSE(s.isSelectedEdge(39));
+    EXPECT_FALSE(s.allPointsOnEdgeSelected(39));
+    EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(40, 40)));
+}
+
+TEST(SpatialGraphSelectionTest, VertexAndEdgeBits) {
+    SpatialGraphSelection s(70, 70);
+    s.selectVertex(3);
+    s.toggleVertex(3);
+    s.toggleVertex(64);
+    EXPECT_FALSE(s.isSelectedVertex(3));
+    EXPECT_TRUE(s.isSelectedVertex(64));
+    s.selectEdge(5);
+    s.selectEdge(5);
+    s.deselectEdge(6);
+    EXPECT_EQ(s.getNumSelectedEdges(), 1);
+    s.deselectEdge(5);
+    EXPECT_FALSE(s.isSelectedEdge(5));
+
+    s.selectAllVerticesAndEdges();
+    EXPECT_EQ(s.getNumSelectedVertices(), 70);
+    EXPECT_EQ(s.getNumSelectedEdges(), 70);
+    s.deselectAllVertices();
+    EXPECT_EQ(s.getNumSelectedVertices(), 0);
+    EXPECT_EQ(s.getNumSelectedEdges(), 70);
+    s.deselectAllEdges();
+    s.selectAllVertices();
+    EXPECT_EQ(s.getNumSelectedVertices(), 70);
+    EXPECT_EQ(s.getNumSelectedEdges(), 0);
+}
+
+TEST(SpatialGraphSelectionTest, GetSelectedCountsAcrossWords) {
+    SpatialGraphSelection s(100, 100);
+    EXPECT_EQ(s.getSelectedEdge(0), -1);
+    EXPECT_EQ(s.getSelectedVertex(0), -1);
+    for (int v : {0, 31, 32, 63, 64, 99}) {
+        s.selectVertex(v);
+    }
+    s.selectEdge(33);
+    EXPECT_EQ(s.getSelectedVertex(0), 0);
+    EXPECT_EQ(s.getSelectedVertex(1), 31);
+    EXPECT_EQ(s.getSelectedVertex(2), 32);
+    EXPECT_EQ(s.getSelectedVertex(4), 64);
+    EXPECT_EQ(s.getSelectedVertex(5), 99);
+    EXPECT_EQ(s.getSelectedVertex(6), -1);
+    EXPECT_EQ(s.getSelectedVertex(-1), -1);
+    EXPECT_EQ(s.getSelectedEdge(0), 33);
+    EXPECT_EQ(s.getSelectedEdge(1), -1);
+}
+
+TEST(SpatialGraphSelectionTest, CopyingAndSubsetsOfBitSets) {
+    SpatialGraphSelection a(8, 8), b(8, 8);
+    a.selectVertex(1);
+    a.selectEdge(2);
+    b.selectVertex(1);
+    b.selectVertex(5);
+    EXPECT_TRUE(a.isSubsetVertices(b));
+    EXPECT_FALSE(b.isSubsetVertices(a));
+    EXPECT_FALSE(a.isSubsetEdges(b));
+    EXPECT_TRUE(b.isSubsetEdges(a));
+
+    b.copyEdgeSelection(a);
+    EXPECT_TRUE(b.isSelectedEdge(2));
+    EXPECT_EQ(b.getNumSelectedVertices(), 2);
+    b.copyVertexSelection(a);
+    EXPECT_EQ(b.getNumSelectedVertices(), 1);
+
+    BitField bits(3);
+    bits.set(0);
+    a.setVertexSelection(bits);
+    EXPECT_EQ(a.getNumVertices(), 3);
+    EXPECT_TRUE(a.isSelectedVertex(0));
+    a.setEdgeSelection(bits);
+    EXPECT_EQ(a.getEdgeSelection(), bits);
+    EXPECT_EQ(a.getVertexSelection(), bits);
+}
+
+TEST(SpatialGraphSelectionTest, PointListAndAllPointsBitsAreIndependent) {
+    SpatialGraphSelection s(4, 4);
+    s.selectAllPointsOnEdge(2);
+    EXPECT_TRUE(s.isPointSelected(pt(2, 5)));
+    EXPECT_TRUE(s.allPointsOnEdgeSelected(2));
+    EXPECT_EQ(s.getNumSelectedPoints(), 0);
+    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 1);
+    EXPECT_FALSE(s.isPointSelected(pt(1, 0)));
+
+    // Duplicates are kept; a toggle removes only the first occurrence.
+    s.selectPoint(pt(1, 1));
+    s.selectPoint(pt(0, 3));
+    s.selectPoint(pt(1, 1));
+    EXPECT_EQ(s.getNumSelectedPoints(), 3);
+    s.togglePoint(pt(1, 1));
+    EXPECT_EQ(s.getNumSelectedPoints(), 2);
+    EXPECT_TRUE(s.isPointSelected(pt(1, 1)));
+    EXPECT_EQ(s.getSelectedPoint(0), pt(0, 3));
+    EXPECT_EQ(s.getSelectedPoint(1), pt(1, 1));
+    s.togglePoint(pt(1, 1));
+    EXPECT_FALSE(s.isPointSelected(pt(1, 1)));
+
+    // Toggling ignores the all-points bit: the point is listed as well.
+    s.togglePoint(pt(2, 0));
+    EXPECT_EQ(s.getNumSelectedPoints(), 2);
+    EXPECT_EQ(s.getSelectedPoint(1), pt(2, 0));
+}
+
+TEST(SpatialGraphSelectionTest, SelectingAndDeselectingAllPoints) {
+    SpatialGraphSelection s(3, 5);
+    s.selectPoint(pt(0, 1));
+    s.selectAllPoints();
+    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 5);
+    EXPECT_EQ(s.getNumSelectedPoints(), 0);
+    EXPECT_TRUE(s.isPointSelected(pt(4, 100)));
+
+    s.selectPoint(pt(0, 1));
+    s.deselectAllPoints();
+    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 0);
+    EXPECT_EQ(s.getNumSelectedPoints(), 0);
+    EXPECT_FALSE(s.isPointSelected(pt(4, 0)));
+    EXPECT_FALSE(s.allPointsOnEdgeSelected(4));
+    // The all-points bits were shrunk to nothing, so the sizes now differ.
+    EXPECT_FALSE(s.isSameSize(SpatialGraphSelection(3, 5)));
+    s.selectAllPointsOnEdge(4);
+    EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(3, 5)));
+    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 1);
+
+    SpatialGraphSelection edges(3, 5);
+    edges.selectEdge(1);
+    edges.selectEdge(3);
+    s.selectAllPointsOnEdgesFromSelection(edges);
+    EXPECT_TRUE(s.allPointsOnEdgeSelected(1));
+    EXPECT_TRUE(s.allPointsOnEdgeSelected(3));
+    EXPECT_FALSE(s.allPointsOnEdgeSelected(4));
+    EXPECT_EQ(s.getNumSelectedEdges(), 0);
+
+    SpatialGraphSelection copy(3, 5);
+    copy.selectVertex(0);
+    s.selectPoint(pt(2, 2));
+    copy.copyPointSelection(s);
+    EXPECT_TRUE(copy.allPointsOnEdgeSelected(3));
+    EXPECT_EQ(copy.getNumSelectedPoints(), 1);
+    EXPECT_TRUE(copy.isSelectedVertex(0));
+}
+
+TEST(SpatialGraphSelectionTest, AddSelectionUnitesBitsAndAppendsPoints) {
+    SpatialGraphSelection a(4, 4), b(4, 4);
+    a.selectVertex(0);
+    a.selectEdge(1);
+    a.selectPoint(pt(2, 1));
+    b.selectVertex(3);
+    b.selectAllPointsOnEdge(0);
+    b.selectPoint(pt(2, 1));
+    b.selectPoint(pt(3, 0));
+    a.addSelection(b);
+    EXPECT_EQ(a.getNumSelectedVertices(), 2);
+    EXPECT_TRUE(a.isSelectedEdge(1));
+    EXPECT_TRUE(a.allPointsOnEdgeSelected(0));
+    ASSERT_EQ(a.getNumSelectedPoints(), 3);
+    EXPECT_EQ(a.getSelectedPoint(1), pt(2, 1));
+    EXPECT_EQ(a.getSelectedPoint(2), pt(3, 0));
+
+    // All-points bits shrunk by deselectAllPoints still receive other's bits.
+    SpatialGraphSelection c(4, 4);
+    c.deselectAllPoints();
+    c.addSelection(b);
+    EXPECT_TRUE(c.allPointsOnEdgeSelected(0));
+    EXPECT_TRUE(c.isSameSize(b));
+}
+
+TEST(SpatialGraphSelectionTest, SubtractSelectionRemovesEveryEqualPoint) {
+    SpatialGraphSelection a(4, 4), b(4, 4);
+    a.selectAllVerticesAndEdges();
+    a.selectAllPointsOnEdge(1);
+    a.selectAllPointsOnEdge(2);
+    a.selectPoint(pt(0, 1));
+    a.selectPoint(pt(1, 1));
+    a.selectPoint(pt(0, 1));
+    a.selectPoint(pt(3, 2));
+    b.selectVertex(2);
+    b.selectEdge(0);
+    b.selectAllPointsOnEdge(2);
+    b.selectPoint(pt(0, 1));
+    b.selectPoint(pt(1, 1));
+    a.subtractSelection(b);
+    EXPECT_FALSE(a.isSelectedVertex(2));
+    EXPECT_EQ(a.getNumSelectedVertices(), 3);
+    EXPECT_FALSE(a.isSelectedEdge(0));
+    EXPECT_EQ(a.getNumSelectedEdges(), 3);
+    EXPECT_FALSE(a.allPointsOnEdgeSelected(2));
+    ASSERT_EQ(a.getNumSelectedPoints(), 1);
+    EXPECT_EQ(a.getSelectedPoint(0), pt(3, 2));
+    // Removed from the list, but still selected through edge 1's all-points bit.
+    EXPECT_TRUE(a.isPointSelected(pt(1, 1)));
+    EXPECT_FALSE(a.isPointSelected(pt(0, 1)));
+}
+
+TEST(SpatialGraphSelectionTest, IntersectionKeepsCommonBitsAndListedPoints) {
+    SpatialGraphSelection a(4, 4), b(4, 4);
+    a.selectVertex(0);
+    a.selectVertex(1);
+    a.selectEdge(2);
+    a.selectAllPointsOnEdge(0);
+    a.selectAllPointsOnEdge(3);
+    a.selectPoint(pt(1, 0));
+    a.selectPoint(pt(2, 0));
+    a.selectPoint(pt(1, 0));
+    b.selectVertex(1);
+    b.selectEdge(3);
+    b.selectAllPointsOnEdge(3);
+    b.selectAllPointsOnEdge(2);
+    b.selectPoint(pt(1, 0));
+
+    SpatialGraphSelection viaAnd = a;
+    SpatialGraphSelection& result = viaAnd & b;
+    EXPECT_EQ(&result, &viaAnd);
+    a &= b;
+    EXPECT_EQ(a, viaAnd);
+    EXPECT_EQ(a.getNumSelectedVertices(), 1);
+    EXPECT_TRUE(a.isSelectedVertex(1));
+    EXPECT_EQ(a.getNumSelectedEdges(), 0);
+    EXPECT_EQ(a.getNumEdgesWithAllPointsSelected(), 1);
+    EXPECT_TRUE(a.allPointsOnEdgeSelected(3));
+    ASSERT_EQ(a.getNumSelectedPoints(), 2);
+    EXPECT_EQ(a.getSelectedPoint(0), pt(1, 0));
+    EXPECT_EQ(a.getSelectedPoint(1), pt(1, 0));
+}
+
+TEST(SpatialGraphSelectionTest, ToggleAllFlipsVerticesAndEdgesOnly) {
+    SpatialGraphSelection s(3, 33);
+    s.selectVertex(1);
+    s.selectEdge(32);
+    s.selectAllPointsOnEdge(5);
+    s.selectPoint(pt(0, 1));
+    s.toggleAll();
+    EXPECT_EQ(s.getNumSelectedVertices(), 2);
+    EXPECT_FALSE(s.isSelectedVertex(1));
+    EXPECT_EQ(s.getNumSelectedEdges(), 32);
+    EXPECT_FALSE(s.isSelectedEdge(32));
+    EXPECT_EQ(s.getNumSelectedPoints(), 0);
+    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 1);
+    EXPECT_TRUE(s.allPointsOnEdgeSelected(5));
+}
+
+TEST(SpatialGraphSelectionTest, EqualityIgnoresPointOrderButNotSizesOrCounts) {
+    SpatialGraphSelection a(3, 3), b(3, 3);
+    a.selectPoint(pt(0, 1));
+    a.selectPoint(pt(2, 0));
+    b.selectPoint(pt(2, 0));
+    b.selectPoint(pt(0, 1));
+    EXPECT_EQ(a, b);
+
+    b.selectPoint(pt(0, 1));
+    EXPECT_NE(a, b);
+    a.selectPoint(pt(2, 0));
+    // Equal lengths and every entry of a occurs in b: equal, as defined.
+    EXPECT_EQ(a, b);
+
+    SpatialGraphSelection c = a;
+    c.selectAllPointsOnEdge(1);
+    EXPECT_NE(a, c);
+    c = a;
+    c.selectEdge(0);
+    EXPECT_NE(a, c);
+    EXPECT_NE(SpatialGraphSelection(3, 3), SpatialGraphSelection(3, 4));
+    EXPECT_NE(SpatialGraphSelection(2, 3), SpatialGraphSelection(3, 3));
+}
+
+// Turns bytes into the two-letter text of a serialised selection.
+std::string letters(const std::vector<unsigned char>& bytes) {
+    std::string text;
+    for (unsigned char b : bytes) {
+        text += static_cast<char>('A' + (b >> 4));
+        text += static_cast<char>('A' + (b & 15));
+    }
+    return text;
+}
+
+TEST(SpatialGraphSelectionTest, SerializeWritesGoldenStrings) {
+    // Edge bits 0 and 33 of 40: words 0x00000001, 0x00000002, i.e. the
+    // big-endian bytes 00 00 00 01 00 00 00 02. zlib at its default level
+    // compresses them to 78 9c | 63 60 60 60 64 60 60 60 02 00 | 00 0f 00 04,
+    // the last four bytes being the Adler-32 checksum (sum 4, sum of sums 15).
+    SpatialGraphSelection s(3, 40);
+    s.selectEdge(0);
+    s.selectEdge(33);
+    s.selectVertex(1);
+    s.selectPoint(pt(0, 0));  // points are not written
+    String edges, vertices;
+    s.serialize(edges, vertices);
+    EXPECT_STREQ(edges, "HIJMGDGAGAGAGEGAGAGAACAAAAAPAAAE");
+    EXPECT_EQ(letters({0x78, 0x9c, 0x63, 0x60, 0x60, 0x60, 0x64, 0x60, 0x60, 0x60, 0x02, 0x00, 0x00, 0x0f,
+                       0x00, 0x04}),
+              edges.std());
+    // Vertex bit 1 of 3: the bytes 00 00 00 02.
+    EXPECT_STREQ(vertices, "HIJMGDGAGAGAACAAAAAGAAAD");
+
+    // A set without words compresses the empty input.
+    SpatialGraphSelection none;
+    none.serialize(edges, vertices);
+    EXPECT_STREQ(edges, "HIJMADAAAAAAAAAB");
+    EXPECT_STREQ(vertices, "HIJMADAAAAAAAAAB");
+}
+
+TEST(SpatialGraphSelectionTest, DeserializeReadsHandMadeStreamsInBothCases) {
+    // A zlib stream with one stored (uncompressed) block holding the bytes
+    // 00 00 00 05: header 78 01, block header 01, length 0004 and its
+    // complement fffb (little-endian), the data, then Adler-32 = 0x00090006.
+    const std::string word5 =
+        letters({0x78, 0x01, 0x01, 0x04, 0x00, 0xfb, 0xff, 0x00, 0x00, 0x00, 0x05, 0x00, 0x09, 0x00, 0x06});
+    ASSERT_EQ(word5, "HIABABAEAAPLPPAAAAAAAFAAAJAAAG");
+    std::string lower = word5;
+    for (char& c : lower) {
+        c = static_cast<char>(c - 'A' + 'a');
+    }
+
+    SpatialGraphSelection s(20, 10);
+    s.selectEdge(9);
+    s.deserialize(word5.c_str(), lower.c_str());
+    EXPECT_EQ(s.getNumSelectedEdges(), 2);
+    EXPECT_TRUE(s.isSelectedEdge(0));
+    EXPECT_TRUE(s.isSelectedEdge(2));
+    EXPECT_EQ(s.getNumSelectedVertices(), 2);
+    EXPECT_TRUE(s.isSelectedVertex(0));
+    EXPECT_TRUE(s.isSelectedVertex(2));
+
+    // An odd trailing character is ignored.
+    SpatialGraphSelection odd(3, 3);
+    odd.deserialize((word5 + "X").c_str(), (lower + "q").c_str());
+    EXPECT_EQ(odd.getNumSelectedEdges(), 2);
+    EXPECT_EQ(odd.getNumSelectedVertices(), 2);
+}
+
+TEST(SpatialGraphSelectionTest, SerializeRoundTripsBitsExactly) {
+    for (int n : {1, 31, 32, 33, 100, 1000}) {
+        SCOPED_TRACE(n);
+        SpatialGraphSelection s(n + 7, n);
+        for (int i = 0; i < n; i += 3) {
+            s.selectEdge(i);
+        }
+        for (int i = 1; i < n + 7; i += 5) {
+            s.selectVertex(i);
+        }
+        s.selectAllPointsOnEdge(0);
+        String edges, vertices;
+        s.serialize(edges, vertices);
+
+        SpatialGraphSelection back(n + 7, n);
+        back.selectVertex(0);
+        back.deserialize(edges, vertices);
+        EXPECT_EQ(back.getEdgeSelection(), s.getEdgeSelection());
+        EXPECT_EQ(back.getVertexSelection(), s.getVertexSelection());
+        EXPECT_EQ(back.getNumEdgesWithAllPointsSelected(), 0);
+    }
+}
+
+TEST(SpatialGraphSelectionTest, DamagedStringsSelectTheWholeSet) {
+    SpatialGraphSelection source(40, 40);
+    source.selectEdge(3);
+    String edges, vertices;
+    source.serialize(edges, vertices);
+    std::string truncated = edges.std().substr(0, edges.length() - 4);
+    std::string flipped = edges.std();
+    flipped[6] = flipped[6] == 'A' ? 'B' : 'A';
+
+    struct Case {
+        const char* name;
+        std::string edges;
+    };
+    const Case cases[] = {
+        {"not compressed data", "HELLOWORLD"},
+        {"empty", ""},
+        {"truncated", truncated},
+        {"checksum broken", flipped},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        SpatialGraphSelection s(40, 40);
+        s.deserialize(c.edges.c_str(), vertices);
+        EXPECT_EQ(s.getNumSelectedEdges(), 40);
+        EXPECT_EQ(s.getNumSelectedVertices(), 0);
+    }
+
+    // More data than the set holds is an error of the same kind.
+    SpatialGraphSelection small(40, 10);
+    String bigEdges, bigVertices;
+    SpatialGraphSelection(40, 100).serialize(bigEdges, bigVertices);
+    small.deserialize(bigEdges, "QQQQ");
+    EXPECT_EQ(small.getNumSelectedEdges(), 10);
+    EXPECT_EQ(small.getNumSelectedVertices(), 40);
+
+    SpatialGraphSelection nullStrings(5, 5);
+    nullStrings.deserialize(nullptr, nullptr);
+    EXPECT_EQ(nullStrings.getNumSelectedEdges(), 5);
+    EXPECT_EQ(nullStrings.getNumSelectedVertices(), 5);
+}
+
+TEST(SpatialGraphSelectionTest, DeserializeWithoutEdgesReadsNothing) {
+    SpatialGraphSelection s(4, 0);
+    s.selectVertex(2);
+    s.deserialize("garbage", "HIJMGDGAGAGAACAAAAAGAAAD");
+    EXPECT_EQ(s.getNumSelectedVertices(), 1);
+    EXPECT_TRUE(s.isSelectedVertex(2));
+
+    SpatialGraphSelection noVertices(0, 4);
+    noVertices.deserialize("garbage", "garbage");
+    EXPECT_EQ(noVertices.getNumSelectedEdges(), 4);
+    EXPECT_EQ(noVertices.getNumVertices(), 0);
+}
+
+// A shorter bit set in the string fills the first words; the rest is cleared.
+TEST(SpatialGraphSelectionTest, DeserializeShortDataClearsTheRemainingWords) {
+    SpatialGraphSelection s(3, 64);
+    s.selectAllEdges();
+    s.deserialize("HIJMGDGAGAGAACAAAAAGAAAD", "HIJMGDGAGAGAACAAAAAGAAAD");
+    EXPECT_EQ(s.getNumSelectedEdges(), 1);
+    EXPECT_TRUE(s.isSelectedEdge(1));
+    EXPECT_TRUE(s.isSelectedVertex(1));
+}
+
+}  // namespace
