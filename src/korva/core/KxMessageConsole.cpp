@@ -25,10 +25,10 @@ void KxMessageConsole::print(const std::string& text) {
     while (true) {
         size_t end = text.find('\n', start);
         if (end == std::string::npos || end >= length) {
-            emit(text.substr(start, length - start));
+            emitLine(text.substr(start, length - start));
             return;
         }
-        emit(text.substr(start, end - start));
+        emitLine(text.substr(start, end - start));
         start = end + 1;
     }
 }
@@ -39,7 +39,7 @@ KxMessageConsole::Sink KxMessageConsole::setSink(Sink sink) {
     return previous;
 }
 
-void KxMessageConsole::emit(const std::string& line) {
+void KxMessageConsole::emitLine(const std::string& line) {
     if (sink_) {
         sink_(line);
         return;

@@ -25,7 +25,7 @@ public:
 
 private:
     KxMessageConsole() = default;
-    void emit(const std::string& line);
+    void emitLine(const std::string& line);
 
     Sink sink_;
 };
