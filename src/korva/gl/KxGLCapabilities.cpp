@@ -1,0 +1,64 @@
+#include "korva/gl/KxGLCapabilities.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include <GL/glew.h>
+#include <EGL/egl.h>
+#include <GL/glx.h>
+
+#include "korva/gl/KxEglOffscreen.h"
+
+namespace {
+
+bool glewReady = false;
+int cachedAnswer = -1;  // -1: not asked yet
+
+bool forcedLegacy() {
+    const char* value = std::getenv("KORVA_LEGACY_TUBES");
+    return value && *value && std::strcmp(value, "0") != 0;
+}
+
+bool queryCurrentContext() {
+    return KxGLCapabilities::initGlew() && GLEW_VERSION_2_0 && GLEW_ARB_vertex_buffer_object &&
+           GLEW_ARB_texture_float;
+}
+
+}  // namespace
+
+bool KxGLCapabilities::initGlew() {
+    if (glewReady) {
+        return true;
+    }
+    glewExperimental = GL_TRUE;
+    GLenum result = glewInit();
+    // GLEW_ERROR_NO_GLX_DISPLAY: the entry points are loaded all the same.
+    glewReady = result == GLEW_OK || result == GLEW_ERROR_NO_GLX_DISPLAY;
+    return glewReady;
+}
+
+bool KxGLCapabilities::hasShadersAndBuffers() {
+    if (forcedLegacy()) {
+        return false;
+    }
+    if (cachedAnswer >= 0) {
+        return cachedAnswer == 1;
+    }
+    if (eglGetCurrentContext() != EGL_NO_CONTEXT || glXGetCurrentContext()) {
+        cachedAnswer = queryCurrentContext() ? 1 : 0;
+        return cachedAnswer == 1;
+    }
+    bool answer = false;
+    void* context = KxEglOffscreen::createContext(16, 16);
+    if (context && KxEglOffscreen::makeCurrent(context)) {
+        answer = queryCurrentContext();
+        KxEglOffscreen::releaseCurrent(context);
+    }
+    KxEglOffscreen::destroyContext(context);
+    cachedAnswer = answer ? 1 : 0;
+    return answer;
+}
+
+void KxGLCapabilities::resetForTesting() {
+    cachedAnswer = -1;
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+// What the OpenGL driver offers. Shapes that need GLSL programs and buffer
+// objects ask before choosing their drawing path.
+class KxGLCapabilities {
+public:
+    // Loads the GL entry points for the current context (GLEW). Call with a
+    // context current, e.g. inside GLRender; cheap after the first success.
+    // Under EGL, GLEW reports a missing GLX display although every entry point
+    // is loaded; that counts as success.
+    static bool initGlew();
+
+    // True when GLSL programs, vertex buffer objects and float textures are
+    // available. Asked without a current context, it opens a small headless
+    // context to find out; the answer is kept. The environment variable
+    // KORVA_LEGACY_TUBES (set and not "0") makes it answer false, so the
+    // fallback paths can be forced and tested.
+    static bool hasShadersAndBuffers();
+
+    // Forgets the kept answer (tests change the environment variable).
+    static void resetForTesting();
+};
