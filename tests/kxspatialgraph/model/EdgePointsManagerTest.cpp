@@ -1,0 +1,148 @@
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "kxspatialgraph/model/EdgePointsManager.h"
+
+namespace {
+
+// Points of edge e are (e, i, 0) so every point names its owner.
+DArray<Vec3f> pointsFor(int e, int n) {
+    DArray<Vec3f> p(n);
+    for (int i = 0; i < n; ++i) {
+        p[i] = Vec3f(static_cast<float>(e), static_cast<float>(i), 0);
+    }
+    return p;
+}
+
+std::vector<int> offsets(const EdgePointsManager& m) {
+    return std::vector<int>(m.getOffsets().begin(), m.getOffsets().end());
+}
+
+std::vector<std::vector<Vec3f>> contents(const EdgePointsManager& m) {
+    std::vector<std::vector<Vec3f>> result;
+    for (int e = 0; e < m.getNumEdges(); ++e) {
+        DArray<Vec3f> p = m.getEdgePoints(e);
+        result.emplace_back(p.begin(), p.end());
+    }
+    return result;
+}
+
+}  // namespace
+
+TEST(EdgePointsManagerTest, AddAndRemoveSingleEdgesKeepOffsetsAsPrefixSums) {
+    EdgePointsManager m;
+    EXPECT_EQ(m.getNumEdges(), 0);
+    EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
+    EXPECT_EQ(offsets(m), (std::vector<int>{0}));
+
+    m.addEdge(pointsFor(0, 2));
+    m.addEdge(pointsFor(1, 3));
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 2, 5}));
+    EXPECT_EQ(m.getEdgePoint(1, 2), Vec3f(1, 2, 0));
+
+    m.removeEdge(0);
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 3}));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(m.getAllPoints()[i], Vec3f(1, static_cast<float>(i), 0));
+    }
+
+    m.insertEdgeBefore(0, pointsFor(7, 4));
+    m.insertEdgeBefore(2, pointsFor(8, 1));  // at the end: appends
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 4, 7, 8}));
+    EXPECT_EQ(m.getEdgePoint(0, 3), Vec3f(7, 3, 0));
+    EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(1, 0, 0));
+    EXPECT_EQ(m.getEdgePoint(2, 0), Vec3f(8, 0, 0));
+
+    m.clear();
+    EXPECT_EQ(offsets(m), (std::vector<int>{0}));
+    EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
+}
+
+TEST(EdgePointsManagerTest, EditingPointsOfOneEdgeShiftsOnlyLaterEdges) {
+    EdgePointsManager m;
+    for (int e = 0; e < 3; ++e) {
+        m.addEdge(pointsFor(e, 3));
+    }
+    m.removeEdgePoints(1, 1, 0);
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 3, 6, 9}));
+
+    m.setEdgePoints(1, pointsFor(5, 1));  // fewer points: total shrinks
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 3, 4, 7}));
+    EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(5, 0, 0));
+    EXPECT_EQ(m.getEdgePoint(2, 2), Vec3f(2, 2, 0));
+
+    m.setEdgePoints(0, pointsFor(6, 5));  // more points
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 5, 6, 9}));
+    EXPECT_EQ(m.getEdgePoint(0, 4), Vec3f(6, 4, 0));
+    EXPECT_EQ(m.getEdgePoint(2, 0), Vec3f(2, 0, 0));
+
+    m.insertEdgePoints(2, 1, DArray<Vec3f>{Vec3f(9, 9, 9), Vec3f(8, 8, 8)});
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 5, 6, 11}));
+    EXPECT_EQ(m.getEdgePoint(2, 0), Vec3f(2, 0, 0));
+    EXPECT_EQ(m.getEdgePoint(2, 1), Vec3f(9, 9, 9));
+    EXPECT_EQ(m.getEdgePoint(2, 3), Vec3f(2, 1, 0));
+
+    m.removeEdgePoints(0, 1, 3);
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 2, 3, 8}));
+    EXPECT_EQ(m.getEdgePoint(0, 1), Vec3f(6, 4, 0));
+    EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(5, 0, 0));
+}
+
+TEST(EdgePointsManagerTest, BulkRemovalEdgeCases) {
+    EdgePointsManager m;
+    for (int e = 0; e < 4; ++e) {
+        m.addEdge(pointsFor(e, e + 1));
+    }
+    m.removeMultipleEdges(DArray<int>());
+    EXPECT_EQ(offsets(m), (std::vector<int>{0, 1, 3, 6, 10}));
+    m.removeMultipleEdges(DArray<int>{0, 1, 2, 3});
+    EXPECT_EQ(offsets(m), (std::vector<int>{0}));
+    EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
+}
+
+// The bulk operations must give exactly what the single-edge operations give,
+// for random index sets (including empty edges, first and last edges).
+TEST(EdgePointsManagerTest, BulkOperationsMatchSingleEdgeOperations) {
+    std::mt19937 rng(7);
+    for (int round = 0; round < 50; ++round) {
+        SCOPED_TRACE(round);
+        int numEdges = 1 + static_cast<int>(rng() % 12);
+        EdgePointsManager bulk;
+        EdgePointsManager single;
+        for (int e = 0; e < numEdges; ++e) {
+            DArray<Vec3f> p = pointsFor(e, static_cast<int>(rng() % 5));
+            bulk.addEdge(p);
+            single.addEdge(p);
+        }
+        DArray<int> removed;
+        for (int e = 0; e < numEdges; ++e) {
+            if (rng() % 3 == 0) {
+                removed.append(e);
+            }
+        }
+        bulk.removeMultipleEdges(removed);
+        for (int k = removed.size() - 1; k >= 0; --k) {
+            single.removeEdge(removed[k]);
+        }
+        ASSERT_EQ(offsets(bulk), offsets(single));
+        ASSERT_EQ(contents(bulk), contents(single));
+
+        // Insert new edges at random final positions.
+        int finalCount = bulk.getNumEdges() + 1 + static_cast<int>(rng() % 4);
+        DArray<int> positions;
+        DArray<DArray<Vec3f>> pts;
+        for (int p = 0; p < finalCount && positions.size() < finalCount - bulk.getNumEdges(); ++p) {
+            if (rng() % 2 == 0 || finalCount - p == finalCount - bulk.getNumEdges() - positions.size()) {
+                positions.append(p);
+                pts.append(pointsFor(100 + p, static_cast<int>(rng() % 4)));
+            }
+        }
+        bulk.insertMultipleEdges(positions, pts);
+        for (int k = 0; k < positions.size(); ++k) {
+            single.insertEdgeBefore(positions[k], pts[k]);
+        }
+        ASSERT_EQ(offsets(bulk), offsets(single));
+        ASSERT_EQ(contents(bulk), contents(single));
+    }
+}
