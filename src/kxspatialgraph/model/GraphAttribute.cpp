@@ -1,0 +1,13 @@
+#include "kxspatialgraph/model/GraphAttribute.h"
+
+int GraphAttribute::sId = 0;
+
+GraphAttribute::GraphAttribute(KxSpatialGraph* graph, const char* name, PrimType type, int nDataVar)
+    : graph_(graph),
+      primType_(type),
+      nDataVar_(nDataVar),
+      name_(name),
+      id_(sId++),
+      elementSize_(type.getSize() * nDataVar) {}
+
+GraphAttribute::~GraphAttribute() = default;

@@ -1,0 +1,201 @@
+#include <cstdlib>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxInfoTags.h"
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+std::vector<int> incidence(const KxSpatialGraph& g, int v) {
+    const auto& list = g.getIncidentEdges(v);
+    return std::vector<int>(list.begin(), list.end());
+}
+
+std::vector<std::pair<int, int>> edges(const KxSpatialGraph& g) {
+    std::vector<std::pair<int, int>> result;
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        result.emplace_back(g.getEdgeSource(e), g.getEdgeTarget(e));
+    }
+    return result;
+}
+
+using Edges = std::vector<std::pair<int, int>>;
+using Ints = std::vector<int>;
+
+}  // namespace
+
+TEST(KxSpatialGraphTest, SelfLoopIsListedTwiceAndRenumberedTwice) {
+    KxSpatialGraph g;
+    int v = g.addVertex(Vec3f(1, 2, 3));
+    EXPECT_EQ(g.addEdge(v, v), 0);
+    EXPECT_EQ(incidence(g, v), (Ints{0, 0}));
+    EXPECT_EQ(g.getEdgePoints(0), (DArray<Vec3f>{Vec3f(1, 2, 3), Vec3f(1, 2, 3)}));
+    expectConsistent(g);
+    g.removeEdge(0);
+    EXPECT_TRUE(incidence(g, v).empty());
+    expectConsistent(g);
+
+    // A later self-loop moves down with both of its entries.
+    auto loop = makeLoop();
+    loop->removeEdge(1);
+    EXPECT_EQ(incidence(*loop, 2), (Ints{1, 2, 2}));
+    EXPECT_EQ(edges(*loop), (Edges{{0, 1}, {2, 0}, {2, 2}}));
+    expectConsistent(*loop);
+    // ... and bulk removal does the same.
+    auto bulk = makeLoop();
+    bulk->removeMultipleEdges(DArray<int>{0, 1});
+    EXPECT_EQ(incidence(*bulk, 2), (Ints{0, 1, 1}));
+    EXPECT_EQ(incidence(*bulk, 0), (Ints{0}));
+    expectConsistent(*bulk);
+}
+
+TEST(KxSpatialGraphTest, RemovingEdgeZeroOfThreeKeepsListOrder) {
+    KxSpatialGraph g;
+    for (int i = 0; i < 4; ++i) {
+        g.addVertex(Vec3f(static_cast<float>(i), 0, 0));
+    }
+    g.addEdge(0, 1);
+    g.addEdge(2, 1);
+    g.addEdge(1, 3);
+    g.setEdgeTarget(1, 3);  // 1's list: 0, 2
+    g.setEdgeTarget(1, 1);  // 1's list: 0, 2, 1
+    EXPECT_EQ(incidence(g, 1), (Ints{0, 2, 1}));
+    expectConsistent(g);
+
+    g.removeEdge(0);
+    EXPECT_EQ(incidence(g, 0), Ints{});
+    EXPECT_EQ(incidence(g, 1), (Ints{1, 0}));
+    EXPECT_EQ(incidence(g, 2), (Ints{0}));
+    EXPECT_EQ(incidence(g, 3), (Ints{1}));
+    EXPECT_EQ(edges(g), (Edges{{2, 1}, {1, 3}}));
+    expectConsistent(g);
+}
+
+TEST(KxSpatialGraphTest, RemoveMultipleVerticesCompactsEverything) {
+    KxSpatialGraph g;
+    for (int i = 0; i < 5; ++i) {
+        g.addVertex(Vec3f(static_cast<float>(i), 0, 0));
+    }
+    g.addEdge(0, 2);
+    g.addEdge(2, 4);
+    g.addEdge(4, 0);
+    addIdentityMarkers(g);
+    g.removeMultipleVertices(DArray<int>{1, 3});
+    EXPECT_EQ(g.getNumVertices(), 3);
+    EXPECT_EQ(edges(g), (Edges{{0, 1}, {1, 2}, {2, 0}}));
+    EXPECT_EQ(g.getVertexCoords(1), Vec3f(2, 0, 0));
+    EXPECT_EQ(g.getVertexCoords(2), Vec3f(4, 0, 0));
+    EXPECT_EQ(incidence(g, 2), (Ints{1, 2}));
+    auto* marker = g.findVertexAttribute("VertexMarker");
+    EXPECT_EQ((Ints{marker->getIntDataAtIdx(0), marker->getIntDataAtIdx(1), marker->getIntDataAtIdx(2)}),
+              (Ints{1000, 1002, 1004}));
+    EXPECT_EQ(g.findVertexAttribute("VertexVec")->floatDataAtIdx(2)[1], -4.0f);
+    expectConsistent(g);
+}
+
+TEST(KxSpatialGraphTest, RemoveVertexRenumbersEdgeEndsOnly) {
+    auto g = makeTwoComponents();
+    g->removeVertex(5);
+    g->removeVertex(0);  // vertex 0 still has edge 0: the edge keeps index 0
+    EXPECT_EQ(edges(*g), (Edges{{0, 0}, {0, 1}, {2, 3}}));
+    KxMessageCapture capture;
+    EXPECT_FALSE(g->isConsistent());
+}
+
+TEST(KxSpatialGraphTest, ReattachingMovesListEntryAndEndPoint) {
+    auto g = makeY();
+    g->setEdgeSource(2, 1);  // 3->0 becomes 1->0
+    EXPECT_EQ(incidence(*g, 3), Ints{});
+    EXPECT_EQ(incidence(*g, 1), (Ints{0, 2}));
+    EXPECT_EQ(g->getEdgePoint(2, 0), g->getVertexCoords(1));
+    g->setEdgeTarget(0, 3);  // 0->1 becomes 0->3
+    EXPECT_EQ(incidence(*g, 1), (Ints{2}));
+    EXPECT_EQ(incidence(*g, 3), (Ints{0}));
+    EXPECT_EQ(g->getNumEdgePoints(0), 3);
+    EXPECT_EQ(g->getEdgePoint(0, 2), g->getVertexCoords(3));
+    expectConsistent(*g);
+}
+
+TEST(KxSpatialGraphTest, HasEdgeWalksTheFirstVertexList) {
+    auto g = makeTwoComponents();
+    EXPECT_TRUE(g->hasEdge(0, 1));
+    EXPECT_TRUE(g->hasEdge(1, 0));
+    EXPECT_FALSE(g->hasEdge(0, 2));
+    EXPECT_TRUE(g->hasEdge(0, 0));  // deliberately: any edge at 0
+    EXPECT_FALSE(g->hasEdge(5, 5));
+    EXPECT_FALSE(g->hasEdge(5, 0));
+}
+
+TEST(KxSpatialGraphTest, ReportsWordAndOrderTheirLines) {
+    auto g = makeChain(3);
+    EXPECT_EQ(g->getLoggingInfo(), "2, 3");
+
+    KxMessageCapture capture;
+    EXPECT_EQ(g->printEdges(), "Edges\nEdge 0 (0--1)\nEdge 1 (1--2)\n");
+    EXPECT_EQ(capture.lines(), (std::vector<std::string>{"Edges", "Edge 0 (0--1)", "Edge 1 (1--2)"}));
+    capture.clear();
+    g->printIncidentEdges();
+    EXPECT_EQ(capture.lines(), (std::vector<std::string>{"IncidentEdges", "Vertex 0", "0", "Vertex 1", "0",
+                                                         "1", "Vertex 2", "1"}));
+
+    unsetenv("KORVA_SKIN");
+    KxInfoTags korva;
+    g->info(korva);
+    EXPECT_STREQ(korva.find("Data Class:"), "KxSpatialGraph");
+    EXPECT_STREQ(korva.find("Nodes:"), "3");
+    EXPECT_STREQ(korva.find("Segments:"), "2");
+    EXPECT_STREQ(korva.find("Points:"), "5");
+    setenv("KORVA_SKIN", "Other", 1);
+    KxInfoTags other;
+    g->info(other);
+    unsetenv("KORVA_SKIN");
+    EXPECT_STREQ(other.find("Vertices:"), "3");
+    EXPECT_STREQ(other.find("Edges:"), "2");
+    EXPECT_EQ(other.find("Nodes:"), nullptr);
+}
+
+TEST(KxSpatialGraphTest, SizeHintKeepsCountsAndClearKeepsTransform) {
+    auto g = makeY();
+    addIdentityMarkers(*g);
+    g->addNewLabelGroup("Neuron", true, true, false);
+    GraphSnapshot before = takeSnapshot(*g);
+    g->setSizeHint(100, 200, 1000);
+    EXPECT_TRUE(sameGraph(before, *g));
+    EXPECT_GE(g->findVertexAttribute("VertexMarker")->capacity(), 100);
+
+    SbMatrix m;
+    m.setTranslate(SbVec3f(1, 2, 3));
+    g->setTransform(m);
+    g->setBoundingBox(Box3f(0, 1, 0, 1, 0, 1));
+    g->clear();
+    EXPECT_EQ(g->getNumVertices(), 0);
+    EXPECT_EQ(g->getNumEdges(), 0);
+    EXPECT_EQ(g->getTotalNumEdgePoints(), 0);
+    EXPECT_EQ(g->numAttributes(KxSpatialGraph::VERTEX) + g->numAttributes(KxSpatialGraph::EDGE) +
+                  g->numAttributes(KxSpatialGraph::POINT),
+              0);
+    EXPECT_EQ(g->getLabelGroup("Neuron"), nullptr);
+    EXPECT_FALSE(g->hasFixedBoundingBox());
+    EXPECT_EQ(g->getTransform(), m);
+    expectConsistent(*g);
+}
+
+TEST(KxSpatialGraphTest, EdgeWithEndOutsideTheGraphIsReportedNotFollowed) {
+    KxSpatialGraph g;
+    g.addVertex(Vec3f(0, 0, 0));
+    g.addEdge(0, 3);  // an unknown end: stored, no list entry, no crash
+    EXPECT_EQ(incidence(g, 0), (Ints{0}));
+    KxMessageCapture capture;
+    EXPECT_FALSE(g.isConsistent());
+    EXPECT_EQ(
+        capture.lines(),
+        (std::vector<std::string>{"Error: Edge target out of range: Edge: 0. Target: 3. #vertices: 1."}));
+}
