@@ -1,0 +1,222 @@
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+using Ints = std::vector<int>;
+
+namespace {
+
+Ints values(const EdgeVertexAttribute& a) {
+    Ints result;
+    for (int i = 0; i < a.size(); ++i) {
+        result.push_back(a.getIntDataAtIdx(i));
+    }
+    return result;
+}
+
+Ints values(const PointAttribute& a) {
+    Ints result;
+    for (int e = 0; e < a.getNumEdges(); ++e) {
+        for (int p = 0; p < a.getNumEdgePoints(e); ++p) {
+            result.push_back(a.getIntDataAtPoint(e, p));
+        }
+        result.push_back(-1);  // edge separator
+    }
+    return result;
+}
+
+// An int attribute holding 10, 11, ... 10 + n - 1.
+void fill(EdgeVertexAttribute& a, int n) {
+    a.init(n);
+    for (int i = 0; i < n; ++i) {
+        a.setIntDataAtIdx(i, 10 + i);
+    }
+}
+
+TypedData2D rows(std::initializer_list<int> v) {
+    TypedData2D d(PrimType::INT32, static_cast<int>(v.size()), 1);
+    int r = 0;
+    for (int x : v) {
+        d.setDouble(r++, 0, x);
+    }
+    return d;
+}
+
+}  // namespace
+
+TEST(GraphAttributeTest, AddAttributeReturnsSameOrReplaces) {
+    auto g = makeChain(3);
+    GraphAttribute* a = g->addAttribute("Radius", KxSpatialGraph::VERTEX, PrimType::FLOAT32, 1);
+    static_cast<EdgeVertexAttribute*>(a)->setFloatDataAtIdx(2, 4.5f);
+    EXPECT_EQ(g->addAttribute("Radius", KxSpatialGraph::VERTEX, PrimType::FLOAT32, 1), a);
+    EXPECT_EQ(g->findVertexAttribute("Radius")->getFloatDataAtIdx(2), 4.5f);
+
+    int oldId = a->getId();
+    GraphAttribute* b = g->addAttribute("Radius", KxSpatialGraph::VERTEX, PrimType::FLOAT32, 2);
+    EXPECT_GT(b->getId(), oldId);
+    EXPECT_EQ(g->numAttributes(KxSpatialGraph::VERTEX), 1);
+    EXPECT_EQ(static_cast<EdgeVertexAttribute*>(b)->floatDataAtIdx(2)[0], 0.0f);
+    int bId = b->getId();
+    GraphAttribute* c = g->addAttribute("Radius", KxSpatialGraph::VERTEX, PrimType::INT32, 2);
+    EXPECT_NE(c->getId(), bId);
+
+    EXPECT_EQ(g->findAttribute(KxSpatialGraph::VERTEX, "radius"), nullptr);
+    EXPECT_EQ(g->findAttribute(KxSpatialGraph::EDGE, "Radius"), nullptr);
+    EXPECT_EQ(g->numAttributes(static_cast<KxSpatialGraph::Location>(3)), 0);
+    EXPECT_EQ(g->addAttribute("X", static_cast<KxSpatialGraph::Location>(7), PrimType::INT32, 1), nullptr);
+
+    GraphAttribute* p = g->addAttribute("Thick", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
+    EXPECT_EQ(p->size(), g->getTotalNumEdgePoints());
+    EXPECT_EQ(g->getAttributeLocation(p), KxSpatialGraph::POINT);
+    EXPECT_EQ(g->getAttributeLocation(c), KxSpatialGraph::VERTEX);
+}
+
+TEST(GraphAttributeTest, IdsAreConsecutiveAndNeverReused) {
+    KxSpatialGraph g;
+    int first = g.addAttribute("A", KxSpatialGraph::VERTEX, PrimType::INT32, 1)->getId();
+    EXPECT_EQ(g.addAttribute("B", KxSpatialGraph::EDGE, PrimType::INT32, 1)->getId(), first + 1);
+    g.deleteAttribute(KxSpatialGraph::VERTEX, 0);
+    EXPECT_EQ(g.addAttribute("A", KxSpatialGraph::VERTEX, PrimType::INT32, 1)->getId(), first + 2);
+    EXPECT_EQ(GraphAttribute::sId, first + 3);
+}
+
+TEST(GraphAttributeTest, DeletingAnAttributeKeepsItsLabelGroup) {
+    auto g = makeChain(2);
+    g->addNewLabelGroup("Neuron", true, true, false);
+    g->deleteAttribute(g->findVertexAttribute("Neuron"));
+    EXPECT_EQ(g->findVertexAttribute("Neuron"), nullptr);
+    EXPECT_NE(g->findEdgeAttribute("Neuron"), nullptr);
+    EXPECT_NE(g->getLabelGroup("Neuron"), nullptr);
+}
+
+TEST(GraphAttributeTest, EdgeVertexGuardsDoNothingWhenTheyFail) {
+    KxSpatialGraph g;
+    EdgeVertexAttribute a(&g, "a", PrimType::INT32, 1);
+    a.insertBefore(0, 1);  // empty: no-op
+    a.remove(0, 1);
+    a.removeLast(1);
+    a.init(0);
+    EXPECT_EQ(a.size(), 0);
+
+    fill(a, 3);
+    a.insertBefore(3, 1);  // deliberately a no-op at the end
+    a.insertBefore(-1, 1);
+    a.insertBefore(1, 0);
+    a.remove(2, 2);
+    a.remove(-1, 1);
+    a.remove(0, 0);
+    a.removeLast(4);
+    a.remax(-1);
+    a.remax(2);
+    EXPECT_EQ(values(a), (Ints{10, 11, 12}));
+
+    a.insertBefore(0, 2);
+    EXPECT_EQ(values(a), (Ints{0, 0, 10, 11, 12}));
+    a.remove(1, 2);
+    EXPECT_EQ(values(a), (Ints{0, 11, 12}));
+    a.removeLast(2);
+    a.append(2);  // the values freed by removal come back as zero
+    EXPECT_EQ(values(a), (Ints{0, 0, 0}));
+    a.remax(10);
+    EXPECT_EQ(a.capacity(), 10);
+    EXPECT_EQ(a.size(), 3);
+    a.setIntDataAtIdx(1, 7);
+    a.copy(2, 1);
+    EXPECT_EQ(values(a), (Ints{0, 7, 7}));
+    a.clearMemory(1, -1);
+    EXPECT_EQ(values(a), (Ints{0, 0, 0}));
+}
+
+TEST(GraphAttributeTest, MultipleValueOperationsMatchSingleOnes) {
+    KxSpatialGraph g;
+    std::mt19937 rng(11);
+    for (int round = 0; round < 40; ++round) {
+        SCOPED_TRACE(round);
+        int n = static_cast<int>(rng() % 8);
+        EdgeVertexAttribute bulk(&g, "b", PrimType::INT32, 1);
+        EdgeVertexAttribute single(&g, "s", PrimType::INT32, 1);
+        fill(bulk, n);
+        fill(single, n);
+        DArray<int> removed;
+        for (int i = 0; i < n; ++i) {
+            if (rng() % 2) {
+                removed.append(i);
+            }
+        }
+        TypedData2D saved = bulk.getValues(removed);
+        bulk.removeMultipleValues(removed);
+        for (int k = removed.size() - 1; k >= 0; --k) {
+            single.remove(removed[k], 1);
+        }
+        ASSERT_EQ(values(bulk), values(single));
+        bulk.insertMultipleValues(removed, saved);
+        for (int i = 0; i < n; ++i) {
+            ASSERT_EQ(bulk.getIntDataAtIdx(i), 10 + i);
+        }
+        ASSERT_EQ(bulk.size(), n);
+    }
+    EdgeVertexAttribute a(&g, "a", PrimType::INT32, 1);
+    fill(a, 2);
+    a.insertMultipleValues(DArray<int>{0, 3}, TypedData2D());  // missing rows are zero
+    EXPECT_EQ(values(a), (Ints{0, 10, 11, 0}));
+    a.setMultipleValues(DArray<int>{3, 0}, rows({5, 6}));
+    EXPECT_EQ(values(a), (Ints{6, 10, 11, 5}));
+}
+
+TEST(GraphAttributeTest, PointAttributeBlocksFollowTheirEdges) {
+    KxSpatialGraph g;
+    PointAttribute a(&g, "p", PrimType::INT32, 1);
+    a.init(DArray<int>{2, 3});
+    a.setValues(0, rows({1, 2}));
+    a.setValues(1, rows({3, 4, 5}));
+    EXPECT_EQ(values(a), (Ints{1, 2, -1, 3, 4, 5, -1}));
+
+    a.addEdge(TypedData2D(PrimType::INT32, 0, 1));  // deliberately nothing, not even an empty edge
+    EXPECT_EQ(a.getNumEdges(), 2);
+    a.addEdge(rows({6}));
+    a.insertEdgeBefore(1, rows({7, 8}));
+    a.insertEdgeBefore(0, 1);
+    EXPECT_EQ(values(a), (Ints{0, -1, 1, 2, -1, 7, 8, -1, 3, 4, 5, -1, 6, -1}));
+
+    a.insertEdgePoints(2, 1, 0);
+    a.removeEdgePoints(2, 1, 0);
+    a.resizeEdgePoints(2, 0);
+    a.insertEdgePoints(2, 1, 2);
+    EXPECT_EQ(values(a), (Ints{0, -1, 1, 2, -1, 7, 0, 0, 8, -1, 3, 4, 5, -1, 6, -1}));
+    a.removeEdgePoints(2, 0, 3);
+    a.resizeEdgePoints(3, 1);
+    a.resizeEdgePoints(0, 3);
+    EXPECT_EQ(values(a), (Ints{0, 0, 0, -1, 1, 2, -1, 8, -1, 3, -1, 6, -1}));
+
+    a.removeMultipleEdges(DArray<int>{0, 2});
+    EXPECT_EQ(values(a), (Ints{1, 2, -1, 3, -1, 6, -1}));
+    a.insertValuesForMultipleEdges(DArray<int>{0, 2, 4},
+                                   DArray<TypedData2D>{rows({9}), rows({}), rows({5, 5})});
+    EXPECT_EQ(values(a), (Ints{9, -1, 1, 2, -1, -1, 3, -1, 5, 5, -1, 6, -1}));
+    a.removeEdge(1);
+    EXPECT_EQ(values(a), (Ints{9, -1, -1, 3, -1, 5, 5, -1, 6, -1}));
+    EXPECT_EQ(a.size(), 5);
+}
+
+TEST(GraphAttributeTest, SettersCopyAtMostOneValue) {
+    KxSpatialGraph g;
+    EdgeVertexAttribute a(&g, "a", PrimType::INT32, 1);
+    fill(a, 2);
+    TypedElement wide(PrimType::INT32, 3);
+    wide.setInt(0, 5);
+    wide.setInt(1, 6);
+    a.setValue(0, wide);
+    EXPECT_EQ(values(a), (Ints{5, 11}));
+    TypedElement f(PrimType::FLOAT32, 1);
+    f.setFloat(0, 1.5f);
+    a.setValue(1, f);  // types are not compared: the float's bytes land as they are
+    EXPECT_EQ(a.getFloatDataAtIdx(1), 1.5f);
+}

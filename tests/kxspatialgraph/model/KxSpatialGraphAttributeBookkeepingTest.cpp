@@ -1,0 +1,354 @@
+// Identity markers through every editing primitive: vertex v carries
+// 1000 + v, edge e 2000 + e, point p of edge e 10000 * e + p. After an edit
+// the surviving values must be the expected shifted sequence, and new
+// elements must carry zero (or the supplied values).
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+using Ints = std::vector<int>;
+
+namespace {
+
+// Chain 0 - 1 - 2 - 3 - 4 (edges with 2, 3, 4, 2 points) and two isolated
+// vertices 5 and 6, all marked.
+std::unique_ptr<KxSpatialGraph> markedGraph() {
+    auto g = makeChain(5);
+    g->addVertex(Vec3f(10, 0, 0));
+    g->addVertex(Vec3f(11, 1, 0));
+    addIdentityMarkers(*g);
+    return g;
+}
+
+DArray<int> ids(const KxSpatialGraph& g, KxSpatialGraph::Location loc) {
+    DArray<int> result;
+    for (int k = 0; k < g.numAttributes(loc); ++k) {
+        result.append(g.attribute(loc, k)->getId());
+    }
+    return result;
+}
+
+DArray<TypedElement> vertexValues(const KxSpatialGraph& g, int v) {
+    DArray<TypedElement> values;
+    for (int k = 0; k < g.getNumVertexAttributes(); ++k) {
+        values.append(g.getVertexAttribute(k)->getValue(v));
+    }
+    return values;
+}
+
+DArray<TypedElement> edgeValues(const KxSpatialGraph& g, int e) {
+    DArray<TypedElement> values;
+    for (int k = 0; k < g.getNumEdgeAttributes(); ++k) {
+        values.append(g.getEdgeAttribute(k)->getValue(e));
+    }
+    return values;
+}
+
+DArray<TypedData2D> pointValues(const KxSpatialGraph& g, int e) {
+    DArray<TypedData2D> values;
+    for (int k = 0; k < g.getNumEdgePointAttributes(); ++k) {
+        values.append(g.getEdgePointAttribute(k)->getValues(e));
+    }
+    return values;
+}
+
+// What an undoable deletion saves: everything needed to put the listed edges
+// and then the listed vertices back with the Multiple inserts.
+struct SavedElements {
+    DArray<int> edges;
+    DArray<SpatialGraphEdge> ends;
+    DArray<DArray<Vec3f>> points;
+    DArray<TypedData2D> edgeValues;
+    DArray<DArray<TypedData2D>> pointValues;
+    DArray<int> vertices;
+    DArray<Vec3f> coords;
+    DArray<TypedData2D> vertexValues;
+
+    void save(const KxSpatialGraph& g, const DArray<int>& e, const DArray<int>& v) {
+        edges = e;
+        vertices = v;
+        for (int edge : edges) {
+            ends.append(g.getEdge(edge));
+            points.append(g.getEdgePoints(edge));
+        }
+        for (int k = 0; k < g.getNumEdgeAttributes(); ++k) {
+            edgeValues.append(g.getEdgeAttribute(k)->getValues(edges));
+        }
+        for (int k = 0; k < g.getNumEdgePointAttributes(); ++k) {
+            DArray<TypedData2D> blocks;
+            for (int edge : edges) {
+                blocks.append(g.getEdgePointAttribute(k)->getValues(edge));
+            }
+            pointValues.append(blocks);
+        }
+        for (int vertex : vertices) {
+            coords.append(g.getVertexCoords(vertex));
+        }
+        for (int k = 0; k < g.getNumVertexAttributes(); ++k) {
+            vertexValues.append(g.getVertexAttribute(k)->getValues(vertices));
+        }
+    }
+    void remove(KxSpatialGraph& g) const {
+        g.removeMultipleEdges(edges);
+        g.removeMultipleVertices(vertices);
+    }
+    void restore(KxSpatialGraph& g) const {
+        g.insertMultipleVertices(vertices, coords, vertexValues, ids(g, KxSpatialGraph::VERTEX));
+        g.insertMultipleEdges(edges, ends, points, edgeValues, ids(g, KxSpatialGraph::EDGE), pointValues,
+                              ids(g, KxSpatialGraph::POINT));
+    }
+};
+
+struct BookkeepingCase {
+    const char* name;
+    std::function<void(KxSpatialGraph&)> edit;
+    Ints vertexOrigins;  // old index of each vertex, -1 for a new one (value 0)
+    Ints edgeOrigins;    // old index of each edge, -1 for a new one
+    // Per edge whose point values are not simply its origin's: old point index
+    // of each point, -1 for a new one. Indexed by new edge.
+    std::vector<std::pair<int, Ints>> pointOrigins;
+};
+
+void expectMarkers(const KxSpatialGraph& g, const BookkeepingCase& c) {
+    const EdgeVertexAttribute* vm = g.findVertexAttribute("VertexMarker");
+    const EdgeVertexAttribute* vv = g.findVertexAttribute("VertexVec");
+    const EdgeVertexAttribute* em = g.findEdgeAttribute("EdgeMarker");
+    const PointAttribute* pm = g.findEdgePointAttribute("PointMarker");
+    ASSERT_EQ(g.getNumVertices(), static_cast<int>(c.vertexOrigins.size()));
+    ASSERT_EQ(vm->size(), g.getNumVertices());
+    for (int v = 0; v < g.getNumVertices(); ++v) {
+        int old = c.vertexOrigins[static_cast<size_t>(v)];
+        EXPECT_EQ(vm->getIntDataAtIdx(v), old < 0 ? 0 : 1000 + old) << "vertex " << v;
+        EXPECT_EQ(vv->getValue(v).getFloat(1), old < 0 ? 0.0f : -static_cast<float>(old)) << "vertex " << v;
+    }
+    ASSERT_EQ(g.getNumEdges(), static_cast<int>(c.edgeOrigins.size()));
+    ASSERT_EQ(em->size(), g.getNumEdges());
+    ASSERT_EQ(pm->getNumEdges(), g.getNumEdges());
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        int old = c.edgeOrigins[static_cast<size_t>(e)];
+        EXPECT_EQ(em->getIntDataAtIdx(e), old < 0 ? 0 : 2000 + old) << "edge " << e;
+        Ints expected;
+        for (int p = 0; p < g.getNumEdgePoints(e); ++p) {
+            expected.push_back(p);
+        }
+        for (const auto& entry : c.pointOrigins) {
+            if (entry.first == e) {
+                expected = entry.second;
+            }
+        }
+        Ints actual;
+        for (int p = 0; p < pm->getNumEdgePoints(e); ++p) {
+            actual.push_back(pm->getIntDataAtPoint(e, p));
+        }
+        for (int& p : expected) {
+            p = p < 0 || old < 0 ? 0 : 10000 * old + p;
+        }
+        EXPECT_EQ(actual, expected) << "points of edge " << e;
+    }
+}
+
+std::vector<BookkeepingCase> cases() {
+    const Ints allVertices{0, 1, 2, 3, 4, 5, 6};
+    const Ints allEdges{0, 1, 2, 3};
+    return {
+        {"addVertex",
+         [](KxSpatialGraph& g) { g.addVertex(Vec3f(1, 1, 1)); },
+         {0, 1, 2, 3, 4, 5, 6, -1},
+         allEdges,
+         {}},
+        {"addEdge", [](KxSpatialGraph& g) { g.addEdge(5, 6); }, allVertices, {0, 1, 2, 3, -1}, {}},
+        {"removeVertex", [](KxSpatialGraph& g) { g.removeVertex(5); }, {0, 1, 2, 3, 4, 6}, allEdges, {}},
+        {"removeEdge", [](KxSpatialGraph& g) { g.removeEdge(1); }, allVertices, {0, 2, 3}, {}},
+        {"removeMultipleEdges",
+         [](KxSpatialGraph& g) {
+             g.removeMultipleEdges(DArray<int>{0, 2, 3});
+         },
+         allVertices,
+         {1},
+         {}},
+        {"removeMultipleVertices",
+         [](KxSpatialGraph& g) {
+             g.removeMultipleEdges(DArray<int>{0, 1});
+             g.removeMultipleVertices(DArray<int>{0, 1, 5});
+         },
+         {2, 3, 4, 6},
+         {2, 3},
+         {}},
+        {"insertVertex supplied",
+         [](KxSpatialGraph& g) {
+             DArray<TypedElement> values = vertexValues(g, 5);
+             g.removeVertex(5);
+             g.insertVertex(5, Vec3f(10, 0, 0), values, ids(g, KxSpatialGraph::VERTEX));
+         },
+         allVertices,
+         allEdges,
+         {}},
+        {"insertVertex unsupplied",
+         [](KxSpatialGraph& g) {
+             g.removeVertex(5);
+             g.insertVertex(5, Vec3f(10, 0, 0), DArray<TypedElement>(), DArray<int>());
+         },
+         {0, 1, 2, 3, 4, -1, 6},
+         allEdges,
+         {}},
+        {"insertVertex at the end supplied",
+         [](KxSpatialGraph& g) {
+             DArray<TypedElement> values = vertexValues(g, 6);
+             g.removeVertex(6);
+             g.insertVertex(6, Vec3f(11, 1, 0), values, ids(g, KxSpatialGraph::VERTEX));
+         },
+         allVertices,
+         allEdges,
+         {}},
+        {"insertEdge supplied",
+         [](KxSpatialGraph& g) {
+             SpatialGraphEdge edge = g.getEdge(1);
+             DArray<Vec3f> points = g.getEdgePoints(1);
+             DArray<TypedElement> ev = edgeValues(g, 1);
+             DArray<TypedData2D> pv = pointValues(g, 1);
+             g.removeEdge(1);
+             g.insertEdge(1, edge, points, ev, ids(g, KxSpatialGraph::EDGE), pv,
+                          ids(g, KxSpatialGraph::POINT));
+         },
+         allVertices,
+         allEdges,
+         {}},
+        {"insertEdge unsupplied",
+         [](KxSpatialGraph& g) {
+             SpatialGraphEdge edge = g.getEdge(1);
+             DArray<Vec3f> points = g.getEdgePoints(1);
+             g.removeEdge(1);
+             g.insertEdge(1, edge, points, {}, {}, {}, {});
+         },
+         allVertices,
+         {0, -1, 2, 3},
+         {}},
+        {"insertEdge at the end supplied",
+         [](KxSpatialGraph& g) {
+             SpatialGraphEdge edge = g.getEdge(3);
+             DArray<Vec3f> points = g.getEdgePoints(3);
+             DArray<TypedElement> ev = edgeValues(g, 3);
+             DArray<TypedData2D> pv = pointValues(g, 3);
+             g.removeEdge(3);
+             g.insertEdge(3, edge, points, ev, ids(g, KxSpatialGraph::EDGE), pv,
+                          ids(g, KxSpatialGraph::POINT));
+         },
+         allVertices,
+         allEdges,
+         {}},
+        {"insertMultiple supplied",
+         [](KxSpatialGraph& g) {
+             SavedElements saved;
+             g.removeMultipleEdges(DArray<int>{3});
+             saved.save(g, DArray<int>{0, 2}, DArray<int>{0, 4, 5});
+             saved.remove(g);
+             saved.restore(g);
+         },
+         allVertices,
+         {0, 1, 2},
+         {}},
+        {"insertMultiple unsupplied",
+         [](KxSpatialGraph& g) {
+             SavedElements saved;
+             saved.save(g, DArray<int>{0, 1}, DArray<int>{0, 6});
+             saved.remove(g);
+             saved.vertexValues.clear();
+             saved.edgeValues.clear();
+             saved.pointValues.clear();
+             saved.restore(g);
+         },
+         {-1, 1, 2, 3, 4, 5, -1},
+         {-1, -1, 2, 3},
+         {}},
+        {"setEdgePoints",
+         [](KxSpatialGraph& g) { g.setEdgePoints(1, straightPoints(Vec3f(1, 0, 0), Vec3f(2, 0, 0), 5)); },
+         allVertices,
+         allEdges,
+         {{1, {0, 1, 2, -1, -1}}}},
+        {"setEdgePoints shrinking",
+         [](KxSpatialGraph& g) { g.setEdgePoints(2, straightPoints(Vec3f(2, 0, 0), Vec3f(3, 0, 0), 2)); },
+         allVertices,
+         allEdges,
+         {{2, {0, 1}}}},
+        {"insertEdgePoints",
+         [](KxSpatialGraph& g) {
+             g.insertEdgePoints(2, 1, DArray<Vec3f>{Vec3f(2.1f, 0, 0), Vec3f(2.2f, 0, 0)});
+         },
+         allVertices,
+         allEdges,
+         {{2, {0, -1, -1, 1, 2, 3}}}},
+        {"removeEdgePoints",
+         [](KxSpatialGraph& g) { g.removeEdgePoints(2, 1, 2); },
+         allVertices,
+         allEdges,
+         {{2, {0, 3}}}},
+        {"setEdgeSource and setEdgeTarget",
+         [](KxSpatialGraph& g) {
+             g.setEdgeSource(0, 5);
+             g.setEdgeTarget(3, 6);
+         },
+         allVertices,
+         allEdges,
+         {}},
+    };
+}
+
+}  // namespace
+
+TEST(KxSpatialGraphAttributeBookkeepingTest, EveryPrimitiveKeepsIdentityMarkersInStep) {
+    for (const BookkeepingCase& c : cases()) {
+        SCOPED_TRACE(c.name);
+        auto g = markedGraph();
+        c.edit(*g);
+        expectConsistent(*g);
+        expectMarkers(*g, c);
+    }
+}
+
+TEST(KxSpatialGraphAttributeBookkeepingTest, RemoveThenInsertRestoresTheGraphExactly) {
+    struct Removal {
+        DArray<int> edges;
+        DArray<int> vertices;
+    };
+    const Removal removals[] = {
+        {{}, {5}}, {{0}, {}}, {{3}, {4}}, {{0, 1, 2, 3}, {0, 1, 2, 3, 4, 5, 6}}, {{1, 2}, {2, 6}},
+    };
+    for (const Removal& r : removals) {
+        auto g = markedGraph();
+        g->addNewLabelGroup("Neuron", true, true, false);
+        GraphSnapshot before = takeSnapshot(*g);
+        SavedElements saved;
+        saved.save(*g, r.edges, r.vertices);
+        saved.remove(*g);
+        expectConsistent(*g);
+        saved.restore(*g);
+        expectConsistent(*g);
+        EXPECT_TRUE(sameGraph(before, *g));
+        saved.remove(*g);
+        saved.restore(*g);
+        EXPECT_TRUE(sameGraph(before, *g));
+    }
+}
+
+// Deliberate: insertBefore does nothing at the end of an array, so a vertex
+// appended by insertVertex without a value for an attribute leaves that
+// attribute one value short.
+TEST(KxSpatialGraphAttributeBookkeepingTest, UnsuppliedValueAtTheEndIsNotAdded) {
+    auto g = markedGraph();
+    g->insertVertex(7, Vec3f(0, 9, 0), DArray<TypedElement>(), DArray<int>());
+    KxMessageCapture capture;
+    EXPECT_FALSE(g->isConsistent());
+    EXPECT_TRUE(capture.contains(
+        "Error: unequal number of vertices (8) and vertex values (7) for attribute VertexMarker"));
+}
