@@ -4,14 +4,12 @@
 
 #include <tcl.h>
 
-#include "korva/core/KxInfoTags.h"
-
 KxData::KxData() : parameters_("Parameters") {}
 
 KxData::~KxData() = default;
 
 bool KxData::isOfType(const char* typeName) const {
-    return std::strcmp(typeName, "KxData") == 0;
+    return std::strcmp(typeName, "KxData") == 0 || KxObject::isOfType(typeName);
 }
 
 void KxData::touch(unsigned int mask) {
@@ -47,34 +45,29 @@ void KxData::removeListener(int id) {
     }
 }
 
-void KxData::info(KxInfoTags& tags) const {
-    tags.add("Data Class:", "%s", getTypeName());
-}
-
 int KxData::parse(Tcl_Interp* interp, int argc, char** argv) {
-    if (argc < 2) {
-        Tcl_SetObjResult(interp, Tcl_ObjPrintf("USAGE: %s command ?args?", getLabel()));
-        return TCL_ERROR;
-    }
-    const char* cmd = argv[1];
-    if (std::strcmp(cmd, "getLabel") == 0) {
-        Tcl_SetObjResult(interp, Tcl_NewStringObj(getLabel(), -1));
-        return TCL_OK;
-    }
-    if (std::strcmp(cmd, "info") == 0) {
-        KxInfoTags tags;
-        info(tags);
-        Tcl_SetObjResult(interp, Tcl_NewStringObj(tags.toText().c_str(), -1));
-        return TCL_OK;
-    }
+    const char* cmd = argc >= 2 ? argv[1] : "";
     if (std::strcmp(cmd, "parameters") == 0) {
         Tcl_SetObjResult(interp, Tcl_NewStringObj(parameters_.toText().c_str(), -1));
+        return TCL_OK;
+    }
+    if (std::strcmp(cmd, "setParameters") == 0) {
+        if (argc != 3) {
+            Tcl_SetObjResult(interp, Tcl_NewStringObj("USAGE: setParameters text\n", -1));
+            return TCL_ERROR;
+        }
+        std::string error;
+        if (!parameters_.fromText(argv[2], std::strlen(argv[2]), error)) {
+            Tcl_SetObjResult(interp, Tcl_ObjPrintf("Error: bad parameters: %s", error.c_str()));
+            return TCL_ERROR;
+        }
+        touch(NEW_PARAMETERS);
+        fire();
         return TCL_OK;
     }
     if (std::strcmp(cmd, "isModified") == 0) {
         Tcl_SetObjResult(interp, Tcl_NewBooleanObj(modified_));
         return TCL_OK;
     }
-    Tcl_SetObjResult(interp, Tcl_ObjPrintf("Error: %s has no command \"%s\"", getLabel(), cmd));
-    return TCL_ERROR;
+    return KxObject::parse(interp, argc, argv);
 }

@@ -5,17 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "korva/core/KxObject.h"
 #include "korva/core/KxParamBundle.h"
-
-struct Tcl_Interp;
-class KxInfoTags;
 
 // Base of every data object the host keeps in its object pool: a label, a
 // parameter bundle, a modified flag, the command that loaded it and the format
 // it was last saved in, and change notification. Editors mark what changed
 // with touch() during a batch of edits and call fire() once at the end; fire
 // tells every listener the accumulated mask and clears it.
-class KxData {
+class KxData : public KxObject {
 public:
     enum TouchMask : unsigned int {
         NEW_DATA = 1u,
@@ -27,19 +25,10 @@ public:
     using Listener = std::function<void(KxData& data, unsigned int mask)>;
 
     KxData();
-    virtual ~KxData();
-    KxData(const KxData&) = delete;
-    KxData& operator=(const KxData&) = delete;
+    ~KxData() override;
 
-    // The registered class name, e.g. "KxSpatialGraph".
-    virtual const char* getTypeName() const { return "KxData"; }
-    // Whether the object is of the named class or derives from it. Subclasses
-    // answer for their own name and ask their base otherwise.
-    virtual bool isOfType(const char* typeName) const;
-
-    const char* getLabel() const { return label_.c_str(); }
-    // Sets the label as given; the object pool makes labels unique on registration.
-    void setLabel(const char* label) { label_ = label ? label : ""; }
+    const char* getTypeName() const override { return "KxData"; }
+    bool isOfType(const char* typeName) const override;
 
     KxParamBundle& parameters() { return parameters_; }
     const KxParamBundle& parameters() const { return parameters_; }
@@ -61,17 +50,14 @@ public:
     int addListener(Listener listener);
     void removeListener(int id);
 
-    // A console command addressed to this object: `{label} command args`.
-    // Answers TCL_OK or TCL_ERROR with the reply in the interpreter's result.
-    // The base understands "getLabel", "info", "parameters", "isModified".
-    virtual int parse(Tcl_Interp* interp, int argc, char** argv);
-    // Adds the object's report lines ("Data Class:", counts, ...).
-    virtual void info(KxInfoTags& tags) const;
+    // Adds "parameters" (the bundle's text form), "setParameters TEXT" (replaces
+    // the bundle, touches and fires NEW_PARAMETERS) and "isModified" to the
+    // commands of KxObject.
+    int parse(Tcl_Interp* interp, int argc, char** argv) override;
     // A new object with the same contents, or null if the class cannot copy itself.
     virtual KxData* duplicate() const { return nullptr; }
 
 private:
-    std::string label_;
     KxParamBundle parameters_;
     bool modified_ = false;
     std::string loadCmd_;

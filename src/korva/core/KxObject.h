@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+struct Tcl_Interp;
+class KxInfoTags;
+
+// Base of everything the object pool holds (data objects and, later, modules):
+// a label, a class name, a console command handler and an info report. The pool
+// owns its objects and makes their labels unique; setLabel itself does not.
+class KxObject {
+public:
+    KxObject() = default;
+    virtual ~KxObject();
+    KxObject(const KxObject&) = delete;
+    KxObject& operator=(const KxObject&) = delete;
+
+    // The registered class name, e.g. "KxSpatialGraph".
+    virtual const char* getTypeName() const { return "KxObject"; }
+    // Whether the object is of the named class or derives from it. Subclasses
+    // answer for their own name and ask their base otherwise.
+    virtual bool isOfType(const char* typeName) const;
+
+    const char* getLabel() const { return label_.c_str(); }
+    // Sets the label as given; objects in a pool are renamed through KxObjectPool::rename.
+    void setLabel(const char* label) { label_ = label ? label : ""; }
+
+    // A console command addressed to this object: `{label} command args`.
+    // Answers TCL_OK or TCL_ERROR with the reply in the interpreter's result.
+    // The base understands "getLabel", "getTypeName" and "info".
+    virtual int parse(Tcl_Interp* interp, int argc, char** argv);
+    // Adds the object's report lines ("Data Class:", counts, ...).
+    virtual void info(KxInfoTags& tags) const;
+
+protected:
+    // Sets the interpreter result to "Error: {label} has no command "cmd"" and
+    // answers TCL_ERROR: what parse does with a command nobody understood.
+    int unknownCommand(Tcl_Interp* interp, const char* cmd) const;
+
+private:
+    std::string label_;
+};
