@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "korva/core/KxData.h"
+#include "korva/core/KxObjectPool.h"
+
+namespace {
+
+// Counts its own destructions so that tests see who deleted what.
+class CountedData : public KxData {
+public:
+    explicit CountedData(int* deletions) : deletions_(deletions) {}
+    ~CountedData() override { ++*deletions_; }
+
+private:
+    int* deletions_;
+};
+
+std::vector<std::string> labels(const KxObjectPool& pool) {
+    std::vector<std::string> result;
+    for (int i = 0; i < pool.size(); ++i) {
+        result.push_back(pool.get(i)->getLabel());
+    }
+    return result;
+}
+
+}  // namespace
+
+TEST(KxObjectPoolTest, ClashingLabelsGetNumbersBeforeTheExtension) {
+    KxObjectPool pool;
+    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree.swc");
+    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree2.swc");
+    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree3.swc");
+    // A label that already ends in digits continues the count instead of appending.
+    EXPECT_STREQ(pool.add(new KxData, "tree2.swc"), "tree4.swc");
+    EXPECT_STREQ(pool.add(new KxData, "graph"), "graph");
+    EXPECT_STREQ(pool.add(new KxData, "graph"), "graph2");
+    // Leading dots and empty labels.
+    EXPECT_STREQ(pool.add(new KxData, ".hidden"), ".hidden");
+    EXPECT_STREQ(pool.add(new KxData, ".hidden"), ".hidden2");
+    EXPECT_STREQ(pool.add(new KxData, ""), "Data");
+    EXPECT_STREQ(pool.add(new KxData, nullptr), "Data2");
+    // A freed label is given out again.
+    ASSERT_TRUE(pool.remove("tree2.swc"));
+    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree2.swc");
+    EXPECT_EQ(labels(pool), (std::vector<std::string>{"tree.swc", "tree3.swc", "tree4.swc", "graph", "graph2",
+                                                      ".hidden", ".hidden2", "Data", "Data2", "tree2.swc"}));
+}
+
+TEST(KxObjectPoolTest, ReservedNamesCountAsTaken) {
+    KxObjectPool pool;
+    pool.setReservedCheck([](const char* label) { return std::string(label) == "load"; });
+    EXPECT_STREQ(pool.add(new KxData, "load"), "load2");
+    EXPECT_EQ(pool.find("load"), nullptr);
+    EXPECT_NE(pool.find("load2"), nullptr);
+}
+
+TEST(KxObjectPoolTest, FindRemoveTakeAndRename) {
+    int deletions = 0;
+    KxObjectPool pool;
+    KxData* a = new CountedData(&deletions);
+    KxData* b = new CountedData(&deletions);
+    pool.add(a, "a");
+    pool.add(b, "b");
+    EXPECT_STREQ(pool.add(a, "other"), "a") << "adding an object twice changes nothing";
+    EXPECT_EQ(pool.size(), 2);
+    EXPECT_EQ(pool.find("a"), a);
+    EXPECT_EQ(pool.findData("b"), b);
+    EXPECT_EQ(pool.find("c"), nullptr);
+
+    EXPECT_STREQ(pool.rename(a, "b"), "b2");
+    EXPECT_EQ(pool.find("a"), nullptr);
+    EXPECT_EQ(pool.find("b2"), a);
+
+    EXPECT_EQ(pool.take(a), a);
+    EXPECT_EQ(deletions, 0);
+    EXPECT_FALSE(pool.contains(a));
+    EXPECT_EQ(pool.take(a), nullptr);
+    delete a;
+    EXPECT_EQ(deletions, 1);
+
+    EXPECT_FALSE(pool.remove("nothing"));
+    EXPECT_TRUE(pool.remove(b));
+    EXPECT_EQ(deletions, 2);
+    EXPECT_EQ(pool.size(), 0);
+
+    pool.add(new CountedData(&deletions), "x");
+    pool.add(new CountedData(&deletions), "y");
+    pool.clear();
+    EXPECT_EQ(deletions, 4);
+}
+
+TEST(KxObjectPoolTest, ObserversHearAdditionsRenamesAndRemovalsBeforeDeletion) {
+    KxObjectPool pool;
+    std::vector<std::string> events;
+    int id = pool.addObserver([&](KxObjectPool::Event event, KxObject* object, const char* oldLabel) {
+        const char* names[] = {"added", "removed", "renamed"};
+        // The object is still alive when a removal is announced.
+        events.push_back(std::string(names[event]) + " " + object->getLabel() + " " + oldLabel);
+    });
+    KxData* d = new KxData;
+    pool.add(d, "d");
+    pool.rename(d, "e");
+    pool.remove(d);
+    pool.removeObserver(id);
+    pool.add(new KxData, "quiet");
+    EXPECT_EQ(events, (std::vector<std::string>{"added d ", "renamed e d", "removed e "}));
+}
+
+TEST(KxObjectPoolTest, DestructionDeletesObjectsWithoutNotifying) {
+    int deletions = 0;
+    int notifications = 0;
+    {
+        KxObjectPool pool;
+        pool.add(new CountedData(&deletions), "a");
+        pool.add(new CountedData(&deletions), "b");
+        pool.addObserver([&](KxObjectPool::Event, KxObject*, const char*) { ++notifications; });
+    }
+    EXPECT_EQ(deletions, 2);
+    EXPECT_EQ(notifications, 0);
+}
