@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "korva/base/String.h"
 
@@ -23,11 +25,19 @@ public:
     // Installs a sink and returns the previous one (empty means the default output).
     Sink setSink(Sink sink);
 
+    // A tap sees every line as well, without changing where it goes (the
+    // console commands use one to put a failure's "Error: " line into the Tcl
+    // result). Answers an id for removeTap.
+    int addTap(Sink tap);
+    void removeTap(int id);
+
 private:
     KxMessageConsole() = default;
     void emitLine(const std::string& line);
 
     Sink sink_;
+    std::vector<std::pair<int, Sink>> taps_;
+    int nextTapId_ = 1;
 };
 
 #define theMsg (&KxMessageConsole::instance())
