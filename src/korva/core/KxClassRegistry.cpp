@@ -1,0 +1,46 @@
+#include "korva/core/KxClassRegistry.h"
+
+#include "korva/core/KxData.h"
+#include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxObject.h"
+#include "korva/core/KxSpatialData.h"
+
+KxClassRegistry::KxClassRegistry() {
+    registerClass("KxData", "korva", []() -> KxObject* { return new KxData; });
+    registerClass("KxSpatialData", "korva", []() -> KxObject* { return new KxSpatialData; });
+}
+
+KxClassRegistry& KxClassRegistry::instance() {
+    static KxClassRegistry registry;
+    return registry;
+}
+
+bool KxClassRegistry::registerClass(const char* name, const char* package, Factory factory) {
+    if (!classes_.insert(name, Entry{package ? package : "", std::move(factory)})) {
+        theMsg->printf("Warning: class %s is registered already", name);
+        return false;
+    }
+    return true;
+}
+
+bool KxClassRegistry::unregisterClass(const char* name) {
+    return classes_.remove(name);
+}
+
+const char* KxClassRegistry::getPackage(const char* name) const {
+    const Entry* e = classes_.lookup(name);
+    return e ? e->package.c_str() : nullptr;
+}
+
+KxObject* KxClassRegistry::createInstance(const char* name) const {
+    const Entry* e = classes_.lookup(name);
+    if (!e) {
+        theMsg->printf("Error: unknown class \"%s\"", name);
+        return nullptr;
+    }
+    KxObject* object = e->factory ? e->factory() : nullptr;
+    if (!object) {
+        theMsg->printf("Error: class \"%s\" cannot be created", name);
+    }
+    return object;
+}

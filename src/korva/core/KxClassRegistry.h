@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "korva/base/HashTable.h"
+
+class KxObject;
+
+// Class name -> factory. Packages register their classes in their init
+// function; readers, the console's `create` command and saved sessions create
+// objects by name:
+//
+//     theClassRegistry->registerClass("KxSpatialGraph", "kxspatialgraph",
+//                                     [] () -> KxObject* { return new KxSpatialGraph; });
+//
+// Classes that cannot be created on their own (interfaces) are registered
+// with an empty factory, so that the host still knows the name.
+class KxClassRegistry {
+public:
+    using Factory = std::function<KxObject*()>;
+
+    // Knows the host's own creatable classes (KxData, KxSpatialData).
+    KxClassRegistry();
+
+    static KxClassRegistry& instance();
+
+    // False (with a warning) if the name is registered already; the first
+    // registration stays.
+    bool registerClass(const char* name, const char* package, Factory factory);
+    // Forgets a class (when a test or a package unloads it).
+    bool unregisterClass(const char* name);
+    bool isRegistered(const char* name) const { return classes_.contains(name); }
+    // The package that registered the class, or null.
+    const char* getPackage(const char* name) const;
+
+    // A new object of the class, or null with an "Error: " line when the class
+    // is unknown or cannot be created. The caller owns the object.
+    KxObject* createInstance(const char* name) const;
+
+    // Class names in registration order.
+    std::vector<std::string> classNames() const { return classes_.keys(); }
+
+private:
+    struct Entry {
+        std::string package;
+        Factory factory;
+    };
+    HashTable<std::string, Entry> classes_;
+};
+
+#define theClassRegistry (&KxClassRegistry::instance())
