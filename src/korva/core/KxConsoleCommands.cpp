@@ -1,0 +1,208 @@
+#include "korva/core/KxConsoleCommands.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <tcl.h>
+
+#include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxData.h"
+#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxObject.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/core/KxTclInterpreter.h"
+
+namespace {
+
+// Remembers the first "Error: " line printed while it lives.
+class ErrorTap {
+public:
+    ErrorTap() {
+        id_ = theMsg->addTap([this](const std::string& line) {
+            if (first_.empty() && line.compare(0, 7, "Error: ") == 0) {
+                first_ = line;
+            }
+        });
+    }
+    ~ErrorTap() { theMsg->removeTap(id_); }
+    const std::string& first() const { return first_; }
+
+private:
+    int id_;
+    std::string first_;
+};
+
+int usage(Tcl_Interp* interp, const char* text) {
+    Tcl_SetObjResult(interp, Tcl_ObjPrintf("USAGE: %s\n", text));
+    return TCL_ERROR;
+}
+
+// Prints an "Error: " line and makes it the command's failure.
+int fail(Tcl_Interp* interp, const std::string& line) {
+    theMsg->print(line);
+    Tcl_SetObjResult(interp, Tcl_NewStringObj(line.c_str(), -1));
+    return TCL_ERROR;
+}
+
+// Fails with the first error line the tap saw, or the fallback.
+int failWith(Tcl_Interp* interp, const ErrorTap& tap, const std::string& fallback) {
+    if (!tap.first().empty()) {
+        Tcl_SetObjResult(interp, Tcl_NewStringObj(tap.first().c_str(), -1));
+        return TCL_ERROR;
+    }
+    return fail(interp, fallback);
+}
+
+KxTclInterpreter& session(ClientData cd) {
+    return *static_cast<KxTclInterpreter*>(cd);
+}
+
+int loadCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc < 2) {
+        return usage(interp, "load FILE ?FILE ...?");
+    }
+    Tcl_Obj* labels = Tcl_NewListObj(0, nullptr);
+    Tcl_IncrRefCount(labels);
+    for (int i = 1; i < objc; ++i) {
+        ErrorTap tap;
+        std::vector<KxObject*> created;
+        const char* filename = Tcl_GetString(objv[i]);
+        if (!theFileFormats->load(filename, created, session(cd).pool())) {
+            Tcl_DecrRefCount(labels);
+            return failWith(interp, tap, std::string("Error: cannot load ") + filename);
+        }
+        for (KxObject* object : created) {
+            Tcl_ListObjAppendElement(nullptr, labels, Tcl_NewStringObj(object->getLabel(), -1));
+        }
+    }
+    Tcl_SetObjResult(interp, labels);
+    Tcl_DecrRefCount(labels);
+    return TCL_OK;
+}
+
+int saveCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc != 4) {
+        return usage(interp, "save FORMAT OBJECT FILE");
+    }
+    const char* formatName = Tcl_GetString(objv[1]);
+    const char* label = Tcl_GetString(objv[2]);
+    const KxFileFormat* format = theFileFormats->find(formatName);
+    if (!format) {
+        return fail(interp, std::string("Error: unknown file format \"") + formatName + "\"");
+    }
+    KxData* data = session(cd).pool().findData(label);
+    if (!data) {
+        return fail(interp, std::string("Error: no data object \"") + label + "\"");
+    }
+    ErrorTap tap;
+    if (!theFileFormats->save(*format, data, Tcl_GetString(objv[3]))) {
+        return failWith(interp, tap, "Error: save failed");
+    }
+    return TCL_OK;
+}
+
+int removeCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc < 2) {
+        return usage(interp, "remove OBJECT ?OBJECT ...? | remove -all");
+    }
+    KxObjectPool& pool = session(cd).pool();
+    if (objc == 2 && std::strcmp(Tcl_GetString(objv[1]), "-all") == 0) {
+        pool.clear();
+        return TCL_OK;
+    }
+    for (int i = 1; i < objc; ++i) {
+        const char* label = Tcl_GetString(objv[i]);
+        if (!pool.remove(label)) {
+            return fail(interp, std::string("Error: no object \"") + label + "\"");
+        }
+    }
+    return TCL_OK;
+}
+
+int allCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc > 2) {
+        return usage(interp, "all ?CLASS?");
+    }
+    const char* typeName = objc == 2 ? Tcl_GetString(objv[1]) : nullptr;
+    KxObjectPool& pool = session(cd).pool();
+    Tcl_Obj* labels = Tcl_NewListObj(0, nullptr);
+    for (int i = 0; i < pool.size(); ++i) {
+        KxObject* object = pool.get(i);
+        if (!typeName || object->isOfType(typeName)) {
+            Tcl_ListObjAppendElement(nullptr, labels, Tcl_NewStringObj(object->getLabel(), -1));
+        }
+    }
+    Tcl_SetObjResult(interp, labels);
+    return TCL_OK;
+}
+
+int createCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc < 2 || objc > 3) {
+        return usage(interp, "create CLASS ?LABEL?");
+    }
+    ErrorTap tap;
+    const char* className = Tcl_GetString(objv[1]);
+    KxObject* object = theClassRegistry->createInstance(className);
+    if (!object) {
+        return failWith(interp, tap, std::string("Error: cannot create ") + className);
+    }
+    const char* label = session(cd).pool().add(object, objc == 3 ? Tcl_GetString(objv[2]) : className);
+    Tcl_SetObjResult(interp, Tcl_NewStringObj(label, -1));
+    return TCL_OK;
+}
+
+std::string helpText() {
+    std::string text =
+        "Commands:\n"
+        "  load FILE ?FILE ...?     read files; answers the labels of the new objects\n"
+        "  save FORMAT OBJECT FILE  write an object in a format (name or extension)\n"
+        "  remove OBJECT ?...?      remove objects (remove -all: every object)\n"
+        "  all ?CLASS?              labels of the objects in the pool\n"
+        "  create CLASS ?LABEL?     create an object of a registered class\n"
+        "  help                     this text\n"
+        "  quit ?CODE?              end the session\n"
+        "  {label} command ?args?   a command of an object (try {label} info)\n";
+    text += "Classes:\n";
+    for (const std::string& name : theClassRegistry->classNames()) {
+        text += "  " + name + "\n";
+    }
+    text += "File formats:\n";
+    for (int i = 0; i < theFileFormats->size(); ++i) {
+        const KxFileFormat& f = theFileFormats->get(i);
+        text += "  " + f.name + " (";
+        for (size_t e = 0; e < f.extensions.size(); ++e) {
+            text += (e ? " ." : ".") + f.extensions[e];
+        }
+        text += std::string(f.read ? " read" : "") + (f.write ? " write" : "") + ")\n";
+    }
+    return text;
+}
+
+int helpCmd(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const[]) {
+    Tcl_SetObjResult(interp, Tcl_NewStringObj(helpText().c_str(), -1));
+    return TCL_OK;
+}
+
+int quitCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    int code = 0;
+    if (objc > 2 || (objc == 2 && Tcl_GetIntFromObj(interp, objv[1], &code) != TCL_OK)) {
+        return usage(interp, "quit ?CODE?");
+    }
+    session(cd).quit(code);
+    return TCL_OK;
+}
+
+}  // namespace
+
+void installConsoleCommands(KxTclInterpreter& tcl) {
+    Tcl_Interp* interp = tcl.interp();
+    Tcl_CreateObjCommand(interp, "load", loadCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "save", saveCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "remove", removeCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "all", allCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "create", createCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "help", helpCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "quit", quitCmd, &tcl, nullptr);
+}

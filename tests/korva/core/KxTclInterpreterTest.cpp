@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <tcl.h>
+
+#include <string>
+
+#include "korva/core/KxConsoleCommands.h"
+#include "korva/core/KxData.h"
+#include "korva/core/KxMessageCapture.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/core/KxTclInterpreter.h"
+
+namespace {
+
+// Answers its label and arguments, so tests see which object got the call.
+class EchoData : public KxData {
+public:
+    int parse(Tcl_Interp* interp, int argc, char** argv) override {
+        if (argc >= 2 && std::string(argv[1]) == "echo") {
+            std::string reply = getLabel();
+            for (int i = 2; i < argc; ++i) {
+                reply += std::string(" ") + argv[i];
+            }
+            Tcl_SetObjResult(interp, Tcl_NewStringObj(reply.c_str(), -1));
+            return TCL_OK;
+        }
+        return KxData::parse(interp, argc, argv);
+    }
+};
+
+class KxTclInterpreterTest : public ::testing::Test {
+protected:
+    KxTclInterpreterTest() : tcl_(pool_) { installConsoleCommands(tcl_); }
+
+    // The result of a script that must succeed.
+    std::string ok(const char* script) {
+        EXPECT_EQ(tcl_.eval(script), TCL_OK) << script << ": " << tcl_.result();
+        return tcl_.result();
+    }
+    // The result of a script that must fail.
+    std::string error(const char* script) {
+        EXPECT_EQ(tcl_.eval(script), TCL_ERROR) << script << ": " << tcl_.result();
+        return tcl_.result();
+    }
+
+    KxObjectPool pool_;
+    KxTclInterpreter tcl_;
+};
+
+}  // namespace
+
+TEST_F(KxTclInterpreterTest, PoolObjectsAreCommandsThatFollowTheirLabels) {
+    KxData* d = new EchoData;
+    pool_.add(d, "my graph");
+    EXPECT_EQ(ok("{my graph} echo a {b c}"), "my graph a b c");
+    EXPECT_EQ(ok("{my graph} getTypeName"), "KxData");
+    pool_.rename(d, "other");
+    EXPECT_EQ(ok("other echo"), "other");
+    EXPECT_EQ(error("{my graph} echo"), "invalid command name \"my graph\"");
+    pool_.remove(d);
+    EXPECT_EQ(error("other echo"), "invalid command name \"other\"");
+    // Unknown object commands and missing arguments fail with a message.
+    pool_.add(new EchoData, "e");
+    EXPECT_EQ(error("e frobnicate"), "Error: e has no command \"frobnicate\"");
+    EXPECT_EQ(error("e"), "USAGE: e command ?args?");
+}
+
+TEST_F(KxTclInterpreterTest, LabelsNeverHideTclCommands) {
+    EXPECT_STREQ(pool_.add(new EchoData, "set"), "set2");
+    EXPECT_STREQ(pool_.add(new EchoData, "load"), "load2");
+    EXPECT_EQ(ok("set x 5"), "5");
+    EXPECT_EQ(ok("load2 echo"), "load2");
+}
+
+TEST_F(KxTclInterpreterTest, ObjectsAddedBeforeTheInterpreterGetCommandsToo) {
+    KxObjectPool pool;
+    pool.add(new EchoData, "early");
+    {
+        KxTclInterpreter tcl(pool);
+        ASSERT_EQ(tcl.eval("early echo hi"), TCL_OK) << tcl.result();
+        EXPECT_EQ(tcl.result(), "early hi");
+    }
+    // The pool outlives the interpreter and keeps its objects.
+    EXPECT_EQ(pool.size(), 1);
+    pool.add(new EchoData, "late");
+    EXPECT_EQ(pool.size(), 2);
+}
+
+TEST_F(KxTclInterpreterTest, CreateAllAndRemove) {
+    EXPECT_EQ(ok("create KxData notes"), "notes");
+    EXPECT_EQ(ok("create KxSpatialData"), "KxSpatialData");
+    EXPECT_EQ(ok("create KxData notes"), "notes2");
+    EXPECT_EQ(ok("all"), "notes KxSpatialData notes2");
+    EXPECT_EQ(ok("all KxSpatialData"), "KxSpatialData");
+    EXPECT_EQ(ok("all KxData"), "notes KxSpatialData notes2");
+    ok("remove notes notes2");
+    EXPECT_EQ(ok("all"), "KxSpatialData");
+    ok("remove -all");
+    EXPECT_EQ(pool_.size(), 0);
+
+    KxMessageCapture capture;
+    EXPECT_EQ(error("remove ghost"), "Error: no object \"ghost\"");
+    EXPECT_EQ(error("create KxNothing"), "Error: unknown class \"KxNothing\"");
+    EXPECT_EQ(capture.lines(),
+              (std::vector<std::string>{"Error: no object \"ghost\"", "Error: unknown class \"KxNothing\""}));
+    EXPECT_EQ(error("create"), "USAGE: create CLASS ?LABEL?\n");
+}
+
+TEST_F(KxTclInterpreterTest, ParametersAndChangeNotificationFromTheConsole) {
+    ok("create KxData d");
+    KxData* d = pool_.findData("d");
+    unsigned int fired = 0;
+    d->addListener([&](KxData&, unsigned int mask) { fired |= mask; });
+    ok("d setParameters {\"Id\" int 7 \"Sub\" { \"name\" string \"x\" }}");
+    EXPECT_EQ(fired, static_cast<unsigned int>(KxData::NEW_PARAMETERS));
+    int id = 0;
+    EXPECT_TRUE(d->parameters().findInt("Id", id));
+    EXPECT_EQ(id, 7);
+    EXPECT_EQ(ok("d isModified"), "1");
+    EXPECT_EQ(ok("d parameters"), "\"Id\" int 7\n\"Sub\" {\n  \"name\" string \"x\"\n}\n");
+    EXPECT_EQ(error("d setParameters {\"Id\" int x}"),
+              "Error: bad parameters: line 1: bad int value 'x' for \"Id\"");
+    EXPECT_TRUE(d->parameters().findInt("Id", id)) << "a failed set leaves the parameters alone";
+}
+
+TEST_F(KxTclInterpreterTest, LoadOfUnknownFilesFailsWithTheErrorLine) {
+    KxMessageCapture capture;
+    EXPECT_EQ(error("load /no/such/file.swc"),
+              "Error: cannot read file /no/such/file.swc: No such file or directory");
+    EXPECT_EQ(capture.lines(), std::vector<std::string>{
+                                   "Error: cannot read file /no/such/file.swc: No such file or directory"});
+    EXPECT_EQ(ok("catch {load} msg; set msg"), "USAGE: load FILE ?FILE ...?\n");
+    EXPECT_EQ(error("save Nothing x y"), "Error: unknown file format \"Nothing\"");
+}
