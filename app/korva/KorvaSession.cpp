@@ -1,0 +1,167 @@
+#include "KorvaSession.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+#include <tcl.h>
+
+#include "korva/core/KxConsoleCommands.h"
+#include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/core/KxPackageLoader.h"
+#include "korva/core/KxTclInterpreter.h"
+
+namespace {
+
+void loadPackages() {
+    std::string names = "kxspatialgraph";
+    if (const char* extra = std::getenv("KORVA_PACKAGES")) {
+        names += std::string(":") + extra;
+    }
+    size_t start = 0;
+    while (start < names.size()) {
+        size_t end = names.find_first_of(":,", start);
+        if (end == std::string::npos) {
+            end = names.size();
+        }
+        if (end > start) {
+            thePackageLoader->load(names.substr(start, end - start).c_str());
+        }
+        start = end + 1;
+    }
+}
+
+void flushTclOutput() {
+    for (int type : {TCL_STDOUT, TCL_STDERR}) {
+        if (Tcl_Channel channel = Tcl_GetStdChannel(type)) {
+            Tcl_Flush(channel);
+        }
+    }
+    std::fflush(stdout);
+    std::fflush(stderr);
+}
+
+}  // namespace
+
+KorvaSession::KorvaSession(const char* argv0) {
+    Tcl_FindExecutable(argv0);
+    tcl_.reset(new KxTclInterpreter(*theObjectPool));
+    installConsoleCommands(*tcl_);
+    // Lines from `puts` and from the message console must come out in the
+    // order they were written, also into a pipe.
+    tcl_->eval("fconfigure stdout -buffering line");
+    tcl_->setQuitHandler(&KorvaSession::finish);
+    tapId_ = theMsg->addTap([this](const std::string& line) {
+        if (line.compare(0, 7, "Error: ") == 0) {
+            lastError_ = line;
+        }
+    });
+    loadPackages();
+}
+
+KorvaSession::~KorvaSession() {
+    theMsg->removeTap(tapId_);
+    theObjectPool->clear();
+    flushTclOutput();
+    tcl_.reset();
+    Tcl_Finalize();
+}
+
+void KorvaSession::finish(int code) {
+    theObjectPool->clear();
+    flushTclOutput();
+    Tcl_Exit(code);
+}
+
+void KorvaSession::reportError() {
+    std::string message = tcl_->result();
+    if (message != lastError_) {
+        theMsg->print(message.compare(0, 7, "Error: ") == 0 ? message : "Error: " + message);
+    }
+    // errorInfo starts with the message; the rest says where it happened.
+    std::string trace = tcl_->errorInfo();
+    if (trace.compare(0, message.size(), message) == 0) {
+        trace.erase(0, message.size());
+    }
+    while (!trace.empty() && trace[0] == '\n') {
+        trace.erase(0, 1);
+    }
+    if (!trace.empty()) {
+        std::fprintf(stderr, "%s\n", trace.c_str());
+    }
+    lastError_.clear();
+}
+
+int KorvaSession::runScript(const char* path, int argc, char** argv) {
+    tcl_->setScriptArgs(path, argc, argv);
+    if (tcl_->evalFile(path) != TCL_OK) {
+        reportError();
+        return 1;
+    }
+    return 0;
+}
+
+int KorvaSession::runCommands(const char* commands) {
+    tcl_->setScriptArgs("korva", 0, nullptr);
+    if (tcl_->eval(commands) != TCL_OK) {
+        reportError();
+        return 1;
+    }
+    std::string result = tcl_->result();
+    if (!result.empty()) {
+        std::printf("%s\n", result.c_str());
+    }
+    return 0;
+}
+
+int KorvaSession::runConsole() {
+    if (isatty(STDIN_FILENO)) {
+        return runInteractive();
+    }
+    tcl_->setScriptArgs("korva", 0, nullptr);
+    std::string script((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
+    if (tcl_->eval(script.c_str()) != TCL_OK) {
+        reportError();
+        return 1;
+    }
+    return 0;
+}
+
+int KorvaSession::runInteractive() {
+    tcl_->setScriptArgs("korva", 0, nullptr);
+    Tcl_SetVar(tcl_->interp(), "tcl_interactive", "1", TCL_GLOBAL_ONLY);
+    std::printf("Korva console. Type \"help\" for the commands, \"quit\" to leave.\n");
+    std::string command;
+    char line[4096];
+    while (true) {
+        std::fputs(command.empty() ? "korva> " : "> ", stdout);
+        std::fflush(stdout);
+        if (!std::fgets(line, sizeof(line), stdin)) {
+            std::fputc('\n', stdout);
+            return 0;
+        }
+        command += line;
+        if (!Tcl_CommandComplete(command.c_str())) {
+            continue;
+        }
+        if (tcl_->eval(command.c_str()) == TCL_OK) {
+            std::string result = tcl_->result();
+            if (!result.empty()) {
+                std::printf("%s\n", result.c_str());
+            }
+        } else {
+            std::string message = tcl_->result();
+            if (message != lastError_) {
+                theMsg->print(message.compare(0, 7, "Error: ") == 0 ? message : "Error: " + message);
+            }
+            lastError_.clear();
+        }
+        command.clear();
+    }
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+class KxTclInterpreter;
+
+// One run of the korva executable: the Tcl interpreter on the session's
+// object pool with the console commands, and the packages loaded (the
+// kxspatialgraph package and those named in KORVA_PACKAGES, separated by
+// colons or commas). Ends by emptying the pool and flushing Tcl's output.
+class KorvaSession {
+public:
+    explicit KorvaSession(const char* argv0);
+    ~KorvaSession();
+
+    KxTclInterpreter& tcl() { return *tcl_; }
+
+    // Runs a script file with argv/argc set; 0, or 1 after printing the error.
+    int runScript(const char* path, int argc, char** argv);
+    // Runs commands; prints a non-empty result. 0, or 1 after printing the error.
+    int runCommands(const char* commands);
+    // The console: a prompt on a terminal, otherwise stdin read as one script.
+    int runConsole();
+
+    // Prints a failed evaluation: the message (unless a command printed it
+    // already as its "Error: " line) and Tcl's trace of where it happened.
+    void reportError();
+
+private:
+    int runInteractive();
+    static void finish(int code);
+
+    std::unique_ptr<KxTclInterpreter> tcl_;
+    int tapId_;
+    std::string lastError_;
+};
