@@ -9,5 +9,7 @@ extern "C" int korvapackage_kxspatialgraph_init() {
         return 1;
     }
     gInitialised = true;
+    // Classes register here with theClassRegistry->registerClass(...); file
+    // formats are listed in resources/kxspatialgraph/kxspatialgraph.rc (docs/host.md).
     return 1;
 }
