@@ -1,5 +1,7 @@
 #include "kxspatialgraph/KxSpatialGraphPackage.h"
 
+#include "kxspatialgraph/view/SoTubeSet.h"
+
 namespace {
 bool gInitialised = false;
 }
@@ -11,5 +13,6 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     gInitialised = true;
     // Classes register here with theClassRegistry->registerClass(...); file
     // formats are listed in resources/kxspatialgraph/kxspatialgraph.rc (docs/host.md).
+    SoTubeSet::initClass();
     return 1;
 }

@@ -8,6 +8,8 @@
 #include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/nodes/SoCallback.h>
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
@@ -25,6 +27,13 @@ bool hasCamera(SoNode* scene) {
     search.setInterest(SoSearchAction::FIRST);
     search.apply(scene);
     return search.getPath() != nullptr;
+}
+
+// Notes the cache-context id that the shapes of this render see.
+void recordContextId(void* data, SoAction* action) {
+    if (action->isOfType(SoGLRenderAction::getClassTypeId())) {
+        *static_cast<uint32_t*>(data) = SoGLCacheContextElement::get(action->getState());
+    }
 }
 
 }  // namespace
@@ -53,6 +62,9 @@ bool KxOffscreenRenderer::render(SoNode* scene) {
     }
     SoSeparator* root = new SoSeparator;
     root->ref();
+    auto* probe = new SoCallback;
+    probe->setCallback(recordContextId, &contextId_);
+    root->addChild(probe);
     if (!hasCamera(scene)) {
         auto* camera = new SoPerspectiveCamera;
         root->addChild(camera);
@@ -100,5 +112,5 @@ bool KxOffscreenRenderer::writePng(const char* path) const {
 }
 
 uint32_t KxOffscreenRenderer::getCacheContextId() const {
-    return renderer_->getGLRenderAction()->getCacheContext();
+    return contextId_;
 }

@@ -32,12 +32,13 @@ public:
     void getPixel(int x, int y, unsigned char rgb[3]) const;
     // Writes the last picture as PNG; false, with an "Error: " line, on failure.
     bool writePng(const char* path) const;
-    // The cache-context id under which shapes saw this renderer's context.
+    // The cache-context id under which shapes saw this renderer's context in the last render.
     uint32_t getCacheContextId() const;
 
 private:
     int width_;
     int height_;
     SoOffscreenRenderer* renderer_;
+    uint32_t contextId_ = 0;
     std::vector<unsigned char> pixels_;  // RGB rows, top row first
 };

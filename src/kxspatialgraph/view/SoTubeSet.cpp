@@ -1,0 +1,464 @@
+#include "kxspatialgraph/view/SoTubeSet.h"
+
+#include <GL/glew.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/bundles/SoMaterialBundle.h>
+#include <Inventor/elements/SoCacheElement.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/elements/SoGLLazyElement.h>
+#include <Inventor/misc/SoContextHandler.h>
+#include <Inventor/misc/SoState.h>
+
+#include "korva/data/KxColormap.h"
+#include "korva/gl/KxGLCapabilities.h"
+#include "korva/gl/KxShaderProgram.h"
+#include "korva/inventor/KxInventor.h"
+
+namespace {
+
+// Generic attribute locations of the tube program (0 aliases gl_Vertex).
+const int kCenterLocation = 1;
+const int kRadiusLocation = 2;
+const int kColorLocation = 3;
+const int kColormapEntries = 256;
+
+Vec3f normalised(const Vec3f& v) {
+    Vec3f n = v;
+    n.normalize();
+    return n;
+}
+
+// Frees a context's GL names; called with that context current.
+void freeGroupCB(void* data, uint32_t) {
+    auto* group = static_cast<SoTubeSet::GLContextGroup*>(data);
+    const GLuint buffers[] = {group->tubeVertexBuffer, group->tubeIndexBuffer, group->centerBuffer,
+                              group->radiusBuffer,     group->colorBuffer,     group->capBuffer};
+    glDeleteBuffers(6, buffers);
+    glDeleteTextures(1, &group->colormapTexture);
+    delete group;
+}
+
+}  // namespace
+
+std::mutex SoTubeSet::classMutex;
+
+SO_NODE_SOURCE(SoTubeSet);
+
+void SoTubeSet::initClass() {
+    std::lock_guard<std::mutex> lock(classMutex);
+    if (classTypeId != SoType::badType()) {
+        return;
+    }
+    KxInventor::init();
+    SO_NODE_INIT_CLASS(SoTubeSet, SoShape, "Shape");
+}
+
+SoTubeSet::SoTubeSet() {
+    {
+        std::lock_guard<std::mutex> lock(classMutex);
+        SO_NODE_CONSTRUCTOR(SoTubeSet);
+    }
+    SO_NODE_ADD_FIELD(visible, (1));
+    SO_NODE_ADD_FIELD(highlighted, (0));
+    colormap_.assign(4 * kColormapEntries, 1.0f);
+    generateExtrusionGeometry();
+    program_ = KxShaderProgram::create("kxspatialgraph", "spatialgraphTubes_vert.glsl",
+                                       "spatialgraphTubes_frag.glsl");
+    if (program_) {
+        program_->bindAttribLocation("centerCoord", kCenterLocation);
+        program_->bindAttribLocation("radius", kRadiusLocation);
+        program_->bindAttribLocation("colorValue", kColorLocation);
+        program_->setUniform("scale", scale_);
+        program_->setUniform("min", colormapMin_);
+        program_->setUniform("range", colormapRange_);
+        program_->setUniform("colormap", 0);
+        program_->enableClipPlanes(true);
+    }
+    SoContextHandler::addContextDestructionCallback(contextDestroyedCB, this);
+}
+
+SoTubeSet::~SoTubeSet() {
+    SoContextHandler::removeContextDestructionCallback(contextDestroyedCB, this);
+    // GL names can only be freed with their context current: Coin frees
+    // them the next time each context renders.
+    contexts_.forEach([](int contextId, GLContextGroup* group) {
+        SoGLCacheContextElement::scheduleDeleteCallback(static_cast<uint32_t>(contextId), freeGroupCB, group);
+    });
+    delete program_;
+}
+
+void SoTubeSet::setNumLines(unsigned int n) {
+    numLines_ = n;
+    pointCounts_.assign(n, 0);
+    points_.assign(n, nullptr);
+    radii_.assign(n, nullptr);
+    floatColors_.assign(n, nullptr);
+    intColors_.assign(n, nullptr);
+    visible.setAll(static_cast<int>(n), true);
+    highlighted.setAll(static_cast<int>(n), false);
+    geometryDirty_ = true;
+}
+
+void SoTubeSet::setLine(unsigned int line, int count, const Vec3f* points) {
+    if (line >= numLines_) {
+        return;
+    }
+    pointCounts_[line] = points ? std::max(count, 0) : 0;
+    points_[line] = points;
+    geometryDirty_ = true;
+}
+
+void SoTubeSet::setLineRadii(unsigned int line, const float* radii) {
+    if (line < numLines_) {
+        radii_[line] = radii;
+        radiiDirty_ = true;
+    }
+}
+
+void SoTubeSet::setLineColors(unsigned int line, const float* values) {
+    if (line < numLines_) {
+        floatColors_[line] = values;
+        intColors_[line] = nullptr;
+        colorsDirty_ = true;
+    }
+}
+
+void SoTubeSet::setLineColors(unsigned int line, const int* values) {
+    if (line < numLines_) {
+        intColors_[line] = values;
+        floatColors_[line] = nullptr;
+        colorsDirty_ = true;
+    }
+}
+
+void SoTubeSet::setTubeScale(float scale) {
+    scale_ = scale;
+    if (program_) {
+        program_->setUniform("scale", scale);
+    }
+}
+
+void SoTubeSet::setColormapDataWindow(float minValue, float maxValue) {
+    colormapMin_ = minValue;
+    colormapRange_ = maxValue - minValue;
+    if (program_) {
+        program_->setUniform("range", colormapRange_);
+        program_->setUniform("min", colormapMin_);
+    }
+}
+
+void SoTubeSet::setColormap(const KxColormap& colormap) {
+    for (int i = 0; i < kColormapEntries; ++i) {
+        SbColor c = colormap.getColorAtFraction(static_cast<float>(i) / (kColormapEntries - 1));
+        float* entry = &colormap_[4 * i];
+        entry[0] = c[0];
+        entry[1] = c[1];
+        entry[2] = c[2];
+        entry[3] = c[0];  // Deliberate: the fourth float repeats red; the program reads only RGB.
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    contexts_.forEach([](int, GLContextGroup* group) { group->colormapDirty = true; });
+}
+
+void SoTubeSet::setTubeComplexity(int k) {
+    if (k <= 2) {
+        return;
+    }
+    complexity_ = k;
+    generateExtrusionGeometry();
+    geometryDirty_ = true;
+}
+
+void SoTubeSet::generateExtrusionGeometry() {
+    // Deliberate: for odd k the last step overshoots to a full turn.
+    int half = complexity_ / 2;
+    profile_.resize(complexity_);
+    for (int i = 0; i < complexity_; ++i) {
+        double angle = i * M_PI / half;
+        profile_[i] = Vec3f(static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)), 1.0f);
+    }
+}
+
+SbColor SoTubeSet::getLineColor(unsigned int line) const {
+    if (highlighted.test(static_cast<int>(line))) {
+        return highlightColor_;
+    }
+    if (constantColor_ || !colorPerLine_ || !perLineValues_) {
+        return uniformColor_;
+    }
+    float scale = colormapRange_ > 0.0f ? 1.0f / colormapRange_ : 0.0f;
+    float t = std::clamp((static_cast<float>(perLineValues_[line]) - colormapMin_) * scale, 0.0f, 1.0f);
+    int index = static_cast<int>(std::lround((kColormapEntries - 1) * t));
+    const float* entry = &colormap_[4 * index];
+    return SbColor(entry[0], entry[1], entry[2]);
+}
+
+float SoTubeSet::pointRadius(unsigned int line, int point) const {
+    return radii_[line] ? radii_[line][point] : 1.0f;
+}
+
+float SoTubeSet::pointColorValue(unsigned int line, int point) const {
+    if (floatColors_[line]) {
+        return floatColors_[line][point];
+    }
+    return intColors_[line] ? static_cast<float>(intColors_[line][point]) : 0.0f;
+}
+
+// ---------------------------------------------------------------------------
+// Context bookkeeping
+
+SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* created) {
+    if (created) {
+        *created = false;
+    }
+    if (numLines_ == 0) {
+        return nullptr;
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    GLContextGroup* group = nullptr;
+    if (!contexts_.lookup(contextId, group)) {
+        group = new GLContextGroup;  // everything dirty: a new context uploads all
+        contexts_.insert(contextId, group);
+        if (created) {
+            *created = true;
+        }
+    }
+    // The CPU side follows the node's flags once; every context then uploads.
+    if (geometryDirty_) {
+        generateTubeGeometry();
+        generateCapGeometry();
+        radiiDirty_ = colorsDirty_ = true;
+    }
+    if (radiiDirty_) {
+        updateCapRadii();
+    }
+    if (colorsDirty_) {
+        updateCapColors();
+    }
+    bool geometry = geometryDirty_, radii = radiiDirty_, colors = colorsDirty_;
+    contexts_.forEach([&](int, GLContextGroup* g) {
+        g->geometryDirty |= geometry;
+        g->radiiDirty |= radii;
+        g->colorsDirty |= colors;
+    });
+    geometryDirty_ = radiiDirty_ = colorsDirty_ = false;
+    return group;
+}
+
+void SoTubeSet::forgetContext(int contextId) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    GLContextGroup* group = nullptr;
+    if (contexts_.lookup(contextId, group)) {
+        contexts_.remove(contextId);
+        delete group;
+    }
+}
+
+int SoTubeSet::getNumContextGroups() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return contexts_.size();
+}
+
+bool SoTubeSet::hasContextGroup(int contextId) const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return contexts_.contains(contextId);
+}
+
+void SoTubeSet::contextDestroyedCB(uint32_t contextId, void* data) {
+    auto* self = static_cast<SoTubeSet*>(data);
+    GLContextGroup* group = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(self->mutex_);
+        if (!self->contexts_.lookup(static_cast<int>(contextId), group)) {
+            return;
+        }
+        self->contexts_.remove(static_cast<int>(contextId));
+    }
+    if (group->initialized) {
+        freeGroupCB(group, contextId);  // the dying context is current
+    } else {
+        delete group;
+    }
+}
+
+// ---------------------------------------------------------------------------
+// CPU geometry
+
+void SoTubeSet::getOrtho(const Vec3f* points, int n, bool closed, std::vector<Vec3f>& normals,
+                         std::vector<Vec3f>& binormals) {
+    normals.assign(std::max(n, 0), Vec3f());
+    binormals.assign(std::max(n, 0), Vec3f());
+    if (n <= 0 || !points) {
+        return;
+    }
+    std::vector<Vec3f> t(n + 1, Vec3f());
+    for (int i = 0; i + 1 < n; ++i) {
+        Vec3f step = points[i + 1] - points[i];
+        t[i + 1] = step.normalize() > 0.0f ? step : t[i];
+    }
+    if (closed) {
+        Vec3f step = points[0] - points[n - 1];
+        t[0] = step.normalize() > 0.0f ? step : t[n - 1];
+    } else {
+        t[0] = t[1];
+        t[n] = t[n - 1];
+    }
+    for (int i = 0; i < n; ++i) {
+        Vec3f sum = t[i] + t[i + 1];
+        if (sum.normalize() > 0.0f) {
+            t[i] = sum;
+        }
+    }
+    if (closed) {
+        t[n - 1] = t[0];
+    }
+    const double eps = 1e-16;
+    double x = t[0].x, y = t[0].y, z = t[0].z, xy = x * x + y * y;
+    Vec3f normal;
+    if (std::fabs(z) > eps && xy > eps) {
+        normal = normalised(Vec3f(t[0].x, t[0].y, static_cast<float>(-xy / z)));
+    } else if (std::fabs(z) > eps) {
+        normal = Vec3f(1.0f, 0.0f, 0.0f);
+    } else {
+        normal = Vec3f(0.0f, 0.0f, 1.0f);
+    }
+    for (int i = 0; i < n; ++i) {
+        if (i > 0) {
+            Vec3f projected = normal - t[i] * normal.dot(t[i]);
+            // A projection too short to normalise keeps the previous normal.
+            if (projected.length() > eps) {
+                normal = normalised(projected);
+            }
+        }
+        normals[i] = normal;
+        binormals[i] = normalised(normal.cross(t[i]));
+    }
+}
+
+void SoTubeSet::generateTubeGeometry() {
+    const unsigned int k = static_cast<unsigned int>(complexity_);
+    size_t totalPoints = 0;
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        totalPoints += static_cast<size_t>(pointCounts_[line]);
+    }
+    tubeVertices_.clear();
+    tubeVertices_.reserve(totalPoints * k);
+    tubeCenters_.clear();
+    tubeCenters_.reserve(totalPoints * k * 4);
+    tubeIndices_.clear();
+    tubeIndices_.reserve(totalPoints * k * 2);
+    firstIndex_.assign(numLines_, 0);
+    indexCount_.assign(numLines_, 0);
+    vertexBase_.assign(numLines_, 0);
+    std::vector<Vec3f> normals, binormals;
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        const unsigned int m = static_cast<unsigned int>(pointCounts_[line]);
+        const Vec3f* p = points_[line];
+        const auto base = static_cast<unsigned int>(tubeVertices_.size());
+        vertexBase_[line] = base;
+        firstIndex_[line] = static_cast<unsigned int>(tubeIndices_.size());
+        if (m == 0) {
+            continue;
+        }
+        getOrtho(p, static_cast<int>(m), false, normals, binormals);
+        for (unsigned int j = 0; j < k; ++j) {
+            for (unsigned int i = 0; i < m; ++i) {
+                tubeVertices_.push_back(p[i] + profile_[j].x * normals[i] + profile_[j].y * binormals[i]);
+                tubeCenters_.insert(tubeCenters_.end(), {p[i].x, p[i].y, p[i].z, 1.0f});
+            }
+        }
+        // One strip: band j joins side j to side j + 1 (the last band joins
+        // back to side 0), alternating direction along the line.
+        for (unsigned int j = 0; j < k; ++j) {
+            unsigned int a = base + j * m, b = base + ((j + 1) % k) * m;
+            for (unsigned int step = 0; step < m; ++step) {
+                unsigned int i = j % 2 == 0 ? step : m - 1 - step;
+                tubeIndices_.push_back(a + i);
+                tubeIndices_.push_back(b + i);
+            }
+        }
+        indexCount_[line] = 2 * k * m;
+    }
+}
+
+void SoTubeSet::generateCapGeometry() {
+    const unsigned int k = static_cast<unsigned int>(complexity_);
+    capVertices_.assign(static_cast<size_t>(numLines_) * 2 * (k + 2), Vec3f());
+    capNormals_.assign(static_cast<size_t>(numLines_) * 2, Vec3f(0.0f, 0.0f, 1.0f));
+    capRecords_.assign(static_cast<size_t>(numLines_) * 8, 0.0f);
+    capColorValues_.assign(static_cast<size_t>(numLines_) * 2, 0.0f);
+    std::vector<Vec3f> normals, binormals;
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        const int m = pointCounts_[line];
+        const Vec3f* p = points_[line];
+        if (m == 0) {
+            continue;
+        }
+        getOrtho(p, m, false, normals, binormals);
+        for (int end = 0; end < 2; ++end) {
+            int i = end == 0 ? 0 : m - 1;
+            Vec3f outward = m > 1 ? (end == 0 ? p[0] - p[1] : p[m - 1] - p[m - 2]) : Vec3f(0, 0, 1);
+            if (outward.normalize() > 0.0f) {
+                capNormals_[2 * line + end] = outward;
+            }
+            Vec3f* fan = &capVertices_[capFirst(line, end)];
+            fan[0] = p[i];
+            for (unsigned int j = 0; j <= k; ++j) {
+                const Vec3f& q = profile_[j % k];
+                fan[1 + j] = p[i] + q.x * normals[i] + q.y * binormals[i];
+            }
+            float* record = &capRecords_[8 * line + 4 * end];
+            record[0] = p[i].x;
+            record[1] = p[i].y;
+            record[2] = p[i].z;
+            record[3] = 1.0f;
+        }
+    }
+}
+
+void SoTubeSet::updateCapRadii() {
+    for (unsigned int line = 0; line < numLines_ && 8 * line < capRecords_.size(); ++line) {
+        int m = pointCounts_[line];
+        if (m > 0) {
+            capRecords_[8 * line + 3] = pointRadius(line, 0);
+            capRecords_[8 * line + 7] = pointRadius(line, m - 1);
+        }
+    }
+}
+
+void SoTubeSet::updateCapColors() {
+    for (unsigned int line = 0; line < numLines_ && 2 * line < capColorValues_.size(); ++line) {
+        int m = pointCounts_[line];
+        if (m > 0) {
+            capColorValues_[2 * line] = pointColorValue(line, 0);
+            capColorValues_[2 * line + 1] = pointColorValue(line, m - 1);
+        }
+    }
+}
+
+void SoTubeSet::computeBBox(SoAction*, SbBox3f& box, SbVec3f& center) {
+    box.makeEmpty();
+    float largestRadius = 0.0f;
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        for (int i = 0; i < pointCounts_[line]; ++i) {
+            box.extendBy(SbVec3f(points_[line][i]));
+            if (!constantRadius_ && radii_[line]) {
+                largestRadius = std::max(largestRadius, radii_[line][i]);
+            }
+        }
+    }
+    if (box.isEmpty()) {
+        center.setValue(0.0f, 0.0f, 0.0f);
+        return;
+    }
+    // Deliberate: the margin never drops below one scale unit.
+    float margin = std::max(1.0f, largestRadius) * scale_;
+    SbVec3f lo, hi;
+    box.getBounds(lo, hi);
+    box.setBounds(lo - SbVec3f(margin, margin, margin), hi + SbVec3f(margin, margin, margin));
+    center = box.getCenter();
+}

@@ -1,0 +1,191 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include <Inventor/SbColor.h>
+#include <Inventor/nodes/SoShape.h>
+#include <Inventor/nodes/SoSubNode.h>
+
+#include "korva/base/HashTable.h"
+#include "korva/base/Vec3f.h"
+#include "korva/inventor/SoMFBit.h"
+
+class KxColormap;
+class KxShaderProgram;
+
+// Draws every line of a spatial graph as a shaded tube around its polyline,
+// closed by caps, on the GPU. The surface is generated once on the CPU as
+// unit-radius rings and kept in buffer objects per rendering context; radius
+// ("scale" × per-point radius) and colour (per-point value through a 1-D
+// colormap, or one colour per line, or one colour for all) are applied by the
+// GLSL program spatialgraphTubes_{vert,frag}.glsl, so they change without
+// touching the vertex buffer.
+//
+// Line points, radii and colour values are borrowed from the caller (the
+// graph's edge points and attributes), not copied: they must stay alive and
+// unchanged until the next set-call. Set-calls only mark data dirty; the GPU
+// work happens in GLRender, once per context.
+class SoTubeSet : public SoShape {
+    typedef SoShape inherited;
+    SO_NODE_HEADER(SoTubeSet);
+
+public:
+    static void initClass();
+    SoTubeSet();
+
+    // Bit i set: tube i is drawn. Bit i of "highlighted": drawn in the highlight colour.
+    SoMFBit visible;
+    SoMFBit highlighted;
+
+    // What one rendering context holds: its GL names and which data it still has to upload.
+    struct GLContextGroup {
+        bool initialized = false;
+        bool geometryDirty = true;
+        bool radiiDirty = true;
+        bool colorsDirty = true;
+        bool colormapDirty = true;
+        unsigned int tubeVertexBuffer = 0;
+        unsigned int tubeIndexBuffer = 0;
+        unsigned int centerBuffer = 0;
+        unsigned int radiusBuffer = 0;
+        unsigned int colorBuffer = 0;
+        unsigned int capBuffer = 0;
+        unsigned int colormapTexture = 0;
+    };
+
+    void setNumLines(unsigned int n);
+    unsigned int getNumLines() const { return numLines_; }
+    void setLine(unsigned int line, int count, const Vec3f* points);
+    void setLineRadii(unsigned int line, const float* radii);
+    void setLineColors(unsigned int line, const float* values);
+    void setLineColors(unsigned int line, const int* values);
+    // One value per line (index = line), used in per-line colour mode. Marks nothing dirty.
+    void setUniformColorsPerLine(const int* values) { perLineValues_ = values; }
+    void setUniformLineColor(const SbColor& color) { uniformColor_ = color; }
+    void setHighlightColor(const SbColor& color) { highlightColor_ = color; }
+    void setTubeScale(float scale);
+    float getTubeScale() const { return scale_; }
+    void setColormapDataWindow(float minValue, float maxValue);
+    // Samples 256 entries of the colormap; marks the colormap dirty in every context.
+    void setColormap(const KxColormap& colormap);
+    const std::vector<float>& getColormapData() const { return colormap_; }
+    void drawCaps(bool on) { renderCaps_ = on; }
+    // Sides per ring; ignored unless k > 2.
+    void setTubeComplexity(int k);
+    int getTubeComplexity() const { return complexity_; }
+
+    // Mode flags, set by the owner followed by touch().
+    void setConstantColor(bool on) { constantColor_ = on; }
+    void setConstantRadius(bool on) { constantRadius_ = on; }
+    void setColorPerLine(bool on) { colorPerLine_ = on; }
+    bool isConstantColor() const { return constantColor_; }
+    bool isConstantRadius() const { return constantRadius_; }
+    bool isColorPerLine() const { return colorPerLine_; }
+
+    // The colour the tube and cap passes give line i through the fixed
+    // function colour: highlight colour, uniform colour, or in per-line mode
+    // the colormap entry of the line's value. Only meaningful when the
+    // program does not read per-point colour values.
+    SbColor getLineColor(unsigned int line) const;
+
+    // Context bookkeeping (no GL needed). prepareContext finds or creates the
+    // record of a context and moves the node's dirty flags into every record;
+    // null when there is nothing to draw (no lines), and then no record is
+    // made. forgetContext drops a record without touching GL.
+    GLContextGroup* prepareContext(int contextId, bool* created = nullptr);
+    void forgetContext(int contextId);
+    int getNumContextGroups() const;
+    bool hasContextGroup(int contextId) const;
+
+    // CPU geometry, regenerated when the geometry is dirty.
+    const std::vector<Vec3f>& getExtrusionProfile() const { return profile_; }
+    const std::vector<Vec3f>& getTubeVertices() const { return tubeVertices_; }
+    const std::vector<unsigned int>& getTubeIndices() const { return tubeIndices_; }
+    unsigned int getFirstIndex(unsigned int line) const { return firstIndex_[line]; }
+    unsigned int getIndexCount(unsigned int line) const { return indexCount_[line]; }
+    // Cap record of a line end (end 0 = start, 1 = end): centre x, y, z and radius.
+    const float* getCapRecord(unsigned int line, int end) const { return &capRecords_[8 * line + 4 * end]; }
+    float getCapColorValue(unsigned int line, int end) const { return capColorValues_[2 * line + end]; }
+    void generateTubeGeometry();
+    void generateCapGeometry();
+    void updateCapRadii();
+    void updateCapColors();
+
+    // Frame along a polyline: averaged tangents, a first normal derived from
+    // the first tangent, each following normal projected off its tangent, and
+    // binormal = normal × tangent. One normal and binormal per point.
+    static void getOrtho(const Vec3f* points, int n, bool closed, std::vector<Vec3f>& normals,
+                         std::vector<Vec3f>& binormals);
+
+    void GLRender(SoGLRenderAction* action) override;
+
+protected:
+    ~SoTubeSet() override;
+    // Box of all points, grown by max(1, largest radius) × tube scale.
+    void computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) override;
+    // Deliberate: the tubes exist only on the GPU; pick and primitive actions see nothing.
+    void generatePrimitives(SoAction*) override {}
+
+private:
+    void generateExtrusionGeometry();
+    float pointRadius(unsigned int line, int point) const;
+    float pointColorValue(unsigned int line, int point) const;
+    unsigned int capFirst(unsigned int line, int end) const { return (2 * line + end) * (complexity_ + 2); }
+
+    void GLInit(GLContextGroup& group);
+    void GLUploadTubeGeometry(GLContextGroup& group);
+    void GLUploadCapGeometry(GLContextGroup& group);
+    void GLUploadTubeRadii(GLContextGroup& group);
+    void GLUploadTubeColors(GLContextGroup& group);
+    // Which lines a draw pass takes (all visible ones, or split by the highlight bit).
+    enum LinePass { ALL_LINES, SKIP_HIGHLIGHTED, ONLY_HIGHLIGHTED };
+    bool drawsLine(unsigned int line, LinePass pass) const;
+    void GLRenderTubes(LinePass pass);
+    void GLRenderCaps(LinePass pass);
+
+    static void contextDestroyedCB(uint32_t contextId, void* data);
+
+    static std::mutex classMutex;
+
+    unsigned int numLines_ = 0;
+    std::vector<int> pointCounts_;
+    std::vector<const Vec3f*> points_;
+    std::vector<const float*> radii_;
+    std::vector<const float*> floatColors_;
+    std::vector<const int*> intColors_;
+    const int* perLineValues_ = nullptr;
+
+    int complexity_ = 12;
+    std::vector<Vec3f> profile_;
+    float scale_ = 1.0f;
+    float colormapMin_ = 0.0f;
+    float colormapRange_ = 1.0f;
+    bool renderCaps_ = true;
+    SbColor uniformColor_ = SbColor(1.0f, 1.0f, 1.0f);
+    SbColor highlightColor_ = SbColor(1.0f, 0.0f, 0.0f);
+    std::vector<float> colormap_;
+
+    bool geometryDirty_ = false;
+    bool radiiDirty_ = false;
+    bool colorsDirty_ = false;
+    bool constantColor_ = true;
+    bool constantRadius_ = true;
+    bool colorPerLine_ = false;
+
+    mutable std::mutex mutex_;
+    HashTable<int, GLContextGroup*> contexts_;
+    KxShaderProgram* program_ = nullptr;
+
+    std::vector<Vec3f> tubeVertices_;
+    std::vector<float> tubeCenters_;  // 4 per vertex
+    std::vector<unsigned int> tubeIndices_;
+    std::vector<unsigned int> firstIndex_;
+    std::vector<unsigned int> indexCount_;
+    std::vector<unsigned int> vertexBase_;
+    std::vector<Vec3f> capVertices_;
+    std::vector<Vec3f> capNormals_;      // 2 per line
+    std::vector<float> capRecords_;      // 8 per line
+    std::vector<float> capColorValues_;  // 2 per line
+};

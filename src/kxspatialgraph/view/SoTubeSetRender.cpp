@@ -1,0 +1,259 @@
+// SoTubeSet: GL upload and the draw passes. Runs with the context current.
+#include <GL/glew.h>
+
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/bundles/SoMaterialBundle.h>
+#include <Inventor/elements/SoCacheElement.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/elements/SoGLLazyElement.h>
+#include <Inventor/misc/SoState.h>
+
+#include "korva/gl/KxGLCapabilities.h"
+#include "korva/gl/KxShaderProgram.h"
+#include "kxspatialgraph/view/SoTubeSet.h"
+
+namespace {
+
+const GLuint kCenterLocation = 1;
+const GLuint kRadiusLocation = 2;
+const GLuint kColorLocation = 3;
+
+template <class T>
+void uploadBuffer(GLenum target, GLuint buffer, const std::vector<T>& data) {
+    glBindBuffer(target, buffer);
+    glBufferData(target, static_cast<GLsizeiptr>(data.size() * sizeof(T)),
+                 data.empty() ? nullptr : data.data(), GL_STATIC_DRAW);
+}
+
+}  // namespace
+
+void SoTubeSet::GLInit(GLContextGroup& group) {
+    GLuint buffers[6];
+    glGenBuffers(6, buffers);
+    group.tubeVertexBuffer = buffers[0];
+    group.tubeIndexBuffer = buffers[1];
+    group.centerBuffer = buffers[2];
+    group.radiusBuffer = buffers[3];
+    group.colorBuffer = buffers[4];
+    group.capBuffer = buffers[5];
+    glGenTextures(1, &group.colormapTexture);
+    glBindTexture(GL_TEXTURE_1D, group.colormapTexture);
+    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glBindTexture(GL_TEXTURE_1D, 0);
+    group.initialized = true;
+}
+
+void SoTubeSet::GLUploadTubeGeometry(GLContextGroup& group) {
+    uploadBuffer(GL_ARRAY_BUFFER, group.tubeVertexBuffer, tubeVertices_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.centerBuffer, tubeCenters_);
+    uploadBuffer(GL_ELEMENT_ARRAY_BUFFER, group.tubeIndexBuffer, tubeIndices_);
+    group.geometryDirty = false;
+}
+
+void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
+    uploadBuffer(GL_ARRAY_BUFFER, group.capBuffer, capVertices_);
+}
+
+// Radii and colour values go straight from the borrowed per-point arrays into
+// the mapped buffer, repeated for every side of the ring: no CPU copy is kept.
+void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
+    group.radiiDirty = false;
+    if (constantRadius_ || tubeVertices_.empty()) {
+        return;
+    }
+    glBindBuffer(GL_ARRAY_BUFFER, group.radiusBuffer);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(tubeVertices_.size() * sizeof(float)), nullptr,
+                 GL_STATIC_DRAW);
+    auto* out = static_cast<float*>(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY));
+    if (!out) {
+        return;
+    }
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        float* dst = out + vertexBase_[line];
+        const int m = pointCounts_[line];
+        for (int j = 0; j < complexity_; ++j) {
+            for (int i = 0; i < m; ++i) {
+                *dst++ = pointRadius(line, i);
+            }
+        }
+    }
+    glUnmapBuffer(GL_ARRAY_BUFFER);
+}
+
+void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
+    group.colorsDirty = false;
+    if (constantColor_ || colorPerLine_ || tubeVertices_.empty()) {
+        return;
+    }
+    glBindBuffer(GL_ARRAY_BUFFER, group.colorBuffer);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(tubeVertices_.size() * sizeof(float)), nullptr,
+                 GL_STATIC_DRAW);
+    auto* out = static_cast<float*>(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY));
+    if (!out) {
+        return;
+    }
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        float* dst = out + vertexBase_[line];
+        const int m = pointCounts_[line];
+        for (int j = 0; j < complexity_; ++j) {
+            for (int i = 0; i < m; ++i) {
+                *dst++ = pointColorValue(line, i);
+            }
+        }
+    }
+    glUnmapBuffer(GL_ARRAY_BUFFER);
+}
+
+void SoTubeSet::GLRender(SoGLRenderAction* action) {
+    if (numLines_ == 0 || !shouldGLRender(action) || !program_ || !KxGLCapabilities::initGlew()) {
+        return;
+    }
+    SoState* state = action->getState();
+    const int contextId = static_cast<int>(SoGLCacheContextElement::get(state));
+    SoCacheElement::invalidate(state);
+    GLContextGroup* group = prepareContext(contextId);
+    if (!group) {
+        return;
+    }
+    if (!group->initialized) {
+        GLInit(*group);
+    }
+    if (group->geometryDirty) {
+        GLUploadTubeGeometry(*group);
+        GLUploadCapGeometry(*group);
+    }
+    if (group->radiiDirty) {
+        GLUploadTubeRadii(*group);
+    }
+    if (group->colorsDirty) {
+        GLUploadTubeColors(*group);
+    }
+
+    SoMaterialBundle bundle(action);
+    bundle.sendFirst();
+    const bool perPointColor = !constantColor_ && !colorPerLine_;
+    // With per-point colours the program ignores glColor, so highlighted
+    // tubes get a second pass with the constant-colour variant.
+    bool anyHighlighted = false;
+    if (perPointColor) {
+        for (unsigned int line = 0; line < numLines_ && !anyHighlighted; ++line) {
+            anyHighlighted = visible.test(static_cast<int>(line)) && highlighted.test(static_cast<int>(line));
+        }
+    }
+    std::vector<std::string> macros;
+    if (constantRadius_) {
+        macros.push_back("CONST_RADIUS");
+    }
+    std::vector<std::string> highlightMacros = macros;
+    highlightMacros.push_back("CONST_COLOR");
+    if (!perPointColor) {
+        macros = highlightMacros;
+    }
+
+    if (perPointColor) {
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_1D, group->colormapTexture);
+        if (group->colormapDirty) {
+            glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA32F_ARB, static_cast<GLsizei>(colormap_.size() / 4), 0,
+                         GL_RGBA, GL_FLOAT, colormap_.data());
+            group->colormapDirty = false;
+        }
+    }
+    glBindBuffer(GL_ARRAY_BUFFER, group->tubeVertexBuffer);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, nullptr);
+    glBindBuffer(GL_ARRAY_BUFFER, group->centerBuffer);
+    glVertexAttribPointer(kCenterLocation, 4, GL_FLOAT, GL_FALSE, 0, nullptr);
+    glEnableVertexAttribArray(kCenterLocation);
+    if (!constantRadius_) {
+        glBindBuffer(GL_ARRAY_BUFFER, group->radiusBuffer);
+        glVertexAttribPointer(kRadiusLocation, 1, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glEnableVertexAttribArray(kRadiusLocation);
+    }
+    if (perPointColor) {
+        glBindBuffer(GL_ARRAY_BUFFER, group->colorBuffer);
+        glVertexAttribPointer(kColorLocation, 1, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glEnableVertexAttribArray(kColorLocation);
+    }
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, group->tubeIndexBuffer);
+    program_->setMacros(macros);
+    if (program_->apply(contextId)) {
+        GLRenderTubes(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
+    }
+    if (anyHighlighted) {
+        program_->setMacros(highlightMacros);
+        if (program_->apply(contextId)) {
+            GLRenderTubes(ONLY_HIGHLIGHTED);
+        }
+    }
+    glDisableVertexAttribArray(kCenterLocation);
+    glDisableVertexAttribArray(kRadiusLocation);
+    glDisableVertexAttribArray(kColorLocation);
+
+    if (renderCaps_) {
+        glBindBuffer(GL_ARRAY_BUFFER, group->capBuffer);
+        glVertexPointer(3, GL_FLOAT, 0, nullptr);
+        macros.push_back("RENDER_CAPS");
+        program_->setMacros(macros);
+        if (program_->apply(contextId)) {
+            GLRenderCaps(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
+        }
+        if (anyHighlighted) {
+            highlightMacros.push_back("RENDER_CAPS");
+            program_->setMacros(highlightMacros);
+            if (program_->apply(contextId)) {
+                GLRenderCaps(ONLY_HIGHLIGHTED);
+            }
+        }
+    }
+    glDisableClientState(GL_VERTEX_ARRAY);
+    if (perPointColor) {
+        glBindTexture(GL_TEXTURE_1D, 0);
+    }
+    KxShaderProgram::off();
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    // glColor calls changed the current colour behind Coin's back.
+    SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
+}
+
+bool SoTubeSet::drawsLine(unsigned int line, LinePass pass) const {
+    if (pointCounts_[line] == 0 || !visible.test(static_cast<int>(line))) {
+        return false;
+    }
+    bool lit = highlighted.test(static_cast<int>(line));
+    return pass == ALL_LINES || (pass == ONLY_HIGHLIGHTED) == lit;
+}
+
+void SoTubeSet::GLRenderTubes(LinePass pass) {
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        if (!drawsLine(line, pass)) {
+            continue;
+        }
+        if (pass != SKIP_HIGHLIGHTED) {
+            glColor3fv(getLineColor(line).getValue());
+        }
+        glDrawElements(
+            GL_TRIANGLE_STRIP, static_cast<GLsizei>(indexCount_[line]), GL_UNSIGNED_INT,
+            reinterpret_cast<const void*>(static_cast<uintptr_t>(firstIndex_[line]) * sizeof(GLuint)));
+    }
+}
+
+void SoTubeSet::GLRenderCaps(LinePass pass) {
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        if (!drawsLine(line, pass)) {
+            continue;
+        }
+        if (pass != SKIP_HIGHLIGHTED) {
+            glColor3fv(getLineColor(line).getValue());
+        }
+        for (int end = 0; end < 2; ++end) {
+            glVertexAttrib4fv(kCenterLocation, getCapRecord(line, end));
+            glVertexAttrib1f(kColorLocation, getCapColorValue(line, end));
+            glNormal3fv(capNormals_[2 * line + end].data());
+            glDrawArrays(GL_TRIANGLE_FAN, static_cast<GLint>(capFirst(line, end)), complexity_ + 2);
+        }
+    }
+}

@@ -1,0 +1,55 @@
+#version 120
+// Tubes of a spatial graph. Each vertex of the unit-radius tube surface is
+// pushed out from its centre point by radius x scale. Macros:
+//   CONST_RADIUS  every radius is 1 (only "scale" sizes the tubes)
+//   CONST_COLOR   the colour is the fixed-function colour (glColor)
+//   RENDER_CAPS   drawing the end caps: centerCoord.w holds the cap's radius
+//                 and the normal comes from glNormal
+// Without CONST_COLOR the value "colorValue" is mapped through the window
+// [min, min + range] onto the colormap (read in the fragment stage).
+
+attribute vec4 centerCoord;
+attribute float radius;
+attribute float colorValue;
+
+uniform float scale;
+uniform float min;
+uniform float range;
+
+varying vec3 normalEye;
+varying vec3 positionEye;
+varying vec4 fixedColor;
+varying float colormapCoord;
+
+void main() {
+#ifdef CONST_RADIUS
+    float r = 1.0;
+#elif defined(RENDER_CAPS)
+    float r = centerCoord.w;
+#else
+    float r = radius;
+#endif
+    r = max(r, 0.0);
+    vec3 offset = gl_Vertex.xyz - centerCoord.xyz;
+    vec4 position = vec4(centerCoord.xyz + offset * (r * scale), 1.0);
+#ifdef RENDER_CAPS
+    vec3 normal = gl_Normal;
+#else
+    vec3 normal = offset;
+#endif
+    vec4 eye = gl_ModelViewMatrix * position;
+    positionEye = eye.xyz;
+    normalEye = gl_NormalMatrix * normal;
+    gl_Position = gl_ProjectionMatrix * eye;
+#ifdef KORVA_CLIP_PLANES
+    gl_ClipVertex = eye;
+#endif
+    fixedColor = gl_Color;
+#ifndef CONST_COLOR
+    // A range of 0 maps every value to the first entry. (The uniform "min"
+    // hides the built-in min(), hence clamp.)
+    colormapCoord = range > 0.0 ? clamp((colorValue - min) / range, 0.0, 1.0) : 0.0;
+#else
+    colormapCoord = 0.0;
+#endif
+}

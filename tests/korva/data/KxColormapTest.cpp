@@ -1,0 +1,33 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "korva/data/KxColormap.h"
+
+TEST(KxColormapTest, InterpolatesOverTheRangeAndClampsOutside) {
+    // Black, red, white over [10, 20].
+    const float rgba[] = {0, 0, 0, 1, 1, 0, 0, 1, 1, 1, 1, 1};
+    KxColormap colormap(3, rgba, 10.0f, 20.0f);
+    EXPECT_EQ(colormap.getColor(10.0f), SbColor(0, 0, 0));
+    EXPECT_EQ(colormap.getColor(15.0f), SbColor(1, 0, 0));
+    SbColor quarter = colormap.getColor(12.5f);
+    EXPECT_FLOAT_EQ(quarter[0], 0.5f);
+    EXPECT_FLOAT_EQ(quarter[1], 0.0f);
+    EXPECT_EQ(colormap.getColor(-100.0f), SbColor(0, 0, 0));
+    EXPECT_EQ(colormap.getColor(100.0f), SbColor(1, 1, 1));
+    // Another window, and a window of width 0, which gives the first entry.
+    EXPECT_EQ(colormap.getColor(1.0f, 0.0f, 1.0f), SbColor(1, 1, 1));
+    EXPECT_EQ(colormap.getColor(7.0f, 7.0f, 7.0f), SbColor(0, 0, 0));
+    EXPECT_EQ(colormap.getColorAtFraction(std::nanf("")), SbColor(0, 0, 0));
+}
+
+TEST(KxColormapTest, EntriesCanBeSetAndResized) {
+    KxColormap colormap;
+    colormap.resize(4);
+    ASSERT_EQ(colormap.getNumEntries(), 4);
+    EXPECT_EQ(colormap.getEntry(3)[3], 1.0f);  // new entries are opaque
+    colormap.setEntry(2, SbColor(0, 0, 1), 0.5f);
+    colormap.setEntry(9, SbColor(1, 1, 1));  // out of range: ignored
+    EXPECT_EQ(colormap.getColorAtFraction(2.0f / 3.0f), SbColor(0, 0, 1));
+    EXPECT_EQ(colormap.getEntry(2)[3], 0.5f);
+}

@@ -1,0 +1,207 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+
+#include "korva/data/KxColormap.h"
+#include "kxspatialgraph/view/SoTubeSet.h"
+
+namespace {
+
+SoTubeSet* makeTubeSet() {
+    SoTubeSet::initClass();
+    auto* tubes = new SoTubeSet;
+    tubes->ref();
+    return tubes;
+}
+
+void expectUnitFrame(const Vec3f& tangent, const Vec3f& normal, const Vec3f& binormal) {
+    EXPECT_NEAR(normal.length(), 1.0f, 1e-5f);
+    EXPECT_NEAR(binormal.length(), 1.0f, 1e-5f);
+    EXPECT_NEAR(normal.dot(tangent), 0.0f, 1e-5f);
+    EXPECT_NEAR(binormal.dot(tangent), 0.0f, 1e-5f);
+    EXPECT_NEAR(binormal.dot(normal), 0.0f, 1e-5f);
+}
+
+// Blue at the first entry, red at the last.
+KxColormap blueToRed() {
+    const float rgba[] = {0, 0, 1, 1, 1, 0, 0, 1};
+    return KxColormap(2, rgba, 0.0f, 1.0f);
+}
+
+}  // namespace
+
+TEST(SoTubeSetTest, FramesAreOrthonormalAlongBendsAndDegenerateSteps) {
+    // A bent line with a repeated point: p1 == p2.
+    const Vec3f points[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(1, 0, 0), Vec3f(1, 1, 0), Vec3f(1, 1, 1)};
+    std::vector<Vec3f> normals, binormals;
+    SoTubeSet::getOrtho(points, 5, false, normals, binormals);
+    ASSERT_EQ(normals.size(), 5u);
+    // At the end points the tangent is the first and last segment.
+    expectUnitFrame(Vec3f(1, 0, 0), normals[0], binormals[0]);
+    expectUnitFrame(Vec3f(0, 0, 1), normals[4], binormals[4]);
+
+    // Straight along z: the first normal is (1, 0, 0).
+    const Vec3f alongZ[] = {Vec3f(0, 0, 0), Vec3f(0, 0, 2)};
+    SoTubeSet::getOrtho(alongZ, 2, false, normals, binormals);
+    EXPECT_EQ(normals[0], Vec3f(1, 0, 0));
+    EXPECT_EQ(normals[1], Vec3f(1, 0, 0));
+    expectUnitFrame(Vec3f(0, 0, 1), normals[1], binormals[1]);
+
+    // One point: no tangent, normal (0, 0, 1).
+    SoTubeSet::getOrtho(alongZ, 1, false, normals, binormals);
+    ASSERT_EQ(normals.size(), 1u);
+    EXPECT_EQ(normals[0], Vec3f(0, 0, 1));
+
+    // General direction: normal from the tangent's x, y and z.
+    const Vec3f diagonal[] = {Vec3f(0, 0, 0), Vec3f(1, 2, 2)};
+    SoTubeSet::getOrtho(diagonal, 2, false, normals, binormals);
+    expectUnitFrame(Vec3f(1, 2, 2) / 3.0f, normals[0], binormals[0]);
+}
+
+TEST(SoTubeSetTest, ProfileAndComplexity) {
+    SoTubeSet* tubes = makeTubeSet();
+    tubes->setTubeComplexity(2);
+    EXPECT_EQ(tubes->getTubeComplexity(), 12);
+    const std::vector<Vec3f>& profile = tubes->getExtrusionProfile();
+    ASSERT_EQ(profile.size(), 12u);
+    EXPECT_NEAR(profile[3].x, 0.0f, 1e-6f);
+    EXPECT_NEAR(profile[3].y, 1.0f, 1e-6f);
+    EXPECT_EQ(profile[3].z, 1.0f);
+    // Odd counts overshoot: 5 sides step by a quarter turn, the last back at the start.
+    tubes->setTubeComplexity(5);
+    EXPECT_NEAR(tubes->getExtrusionProfile()[4].x, 1.0f, 1e-6f);
+    EXPECT_NEAR(tubes->getExtrusionProfile()[4].y, 0.0f, 1e-6f);
+    tubes->unref();
+}
+
+TEST(SoTubeSetTest, TubeStripRunsBandByBandAlternatingDirection) {
+    SoTubeSet* tubes = makeTubeSet();
+    tubes->setTubeComplexity(4);
+    const Vec3f empty[] = {Vec3f(9, 9, 9)};
+    const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(2, 0, 0)};
+    tubes->setNumLines(2);
+    tubes->setLine(0, 0, empty);
+    tubes->setLine(1, 3, line);
+    tubes->generateTubeGeometry();
+    ASSERT_EQ(tubes->getTubeVertices().size(), 12u);
+    EXPECT_EQ(tubes->getIndexCount(0), 0u);
+    EXPECT_EQ(tubes->getFirstIndex(1), 0u);
+    ASSERT_EQ(tubes->getIndexCount(1), 24u);
+    const unsigned int expected[] = {0, 3, 1, 4,  2, 5,  5,  8, 4,  7, 3, 6,
+                                     6, 9, 7, 10, 8, 11, 11, 2, 10, 1, 9, 0};
+    for (int i = 0; i < 24; ++i) {
+        EXPECT_EQ(tubes->getTubeIndices()[i], expected[i]) << i;
+    }
+    // Vertex j·m + i lies on the unit ring around point i.
+    for (int j = 0; j < 4; ++j) {
+        for (int i = 0; i < 3; ++i) {
+            const Vec3f& v = tubes->getTubeVertices()[j * 3 + i];
+            EXPECT_NEAR(v.distance(line[i]), 1.0f, 1e-5f);
+            EXPECT_NEAR(v.x, line[i].x, 1e-5f);
+        }
+    }
+    tubes->unref();
+}
+
+TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
+    SoTubeSet* tubes = makeTubeSet();
+    EXPECT_EQ(tubes->prepareContext(7), nullptr);  // no lines: nothing to draw, no record
+    EXPECT_EQ(tubes->getNumContextGroups(), 0);
+
+    const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0)};
+    const float radii[] = {2.0f, 3.0f};
+    tubes->setNumLines(1);
+    tubes->setLine(0, 2, line);
+    bool created = false;
+    SoTubeSet::GLContextGroup* first = tubes->prepareContext(7, &created);
+    ASSERT_NE(first, nullptr);
+    EXPECT_TRUE(created);
+    EXPECT_TRUE(first->geometryDirty && first->radiiDirty && first->colorsDirty && first->colormapDirty);
+    // Pretend the context uploaded everything.
+    first->geometryDirty = first->radiiDirty = first->colorsDirty = first->colormapDirty = false;
+
+    tubes->setLineRadii(0, radii);
+    SoTubeSet::GLContextGroup* second = tubes->prepareContext(8, &created);
+    EXPECT_TRUE(created);
+    EXPECT_EQ(tubes->getNumContextGroups(), 2);
+    // The radii change reached the first context too, and nothing else did.
+    EXPECT_TRUE(first->radiiDirty);
+    EXPECT_FALSE(first->geometryDirty);
+    EXPECT_FALSE(first->colorsDirty);
+    EXPECT_FLOAT_EQ(tubes->getCapRecord(0, 0)[3], 2.0f);
+    EXPECT_FLOAT_EQ(tubes->getCapRecord(0, 1)[3], 3.0f);
+    EXPECT_EQ(tubes->prepareContext(8, &created), second);
+    EXPECT_FALSE(created);
+
+    tubes->setColormap(blueToRed());
+    EXPECT_TRUE(first->colormapDirty);
+
+    tubes->forgetContext(7);
+    EXPECT_FALSE(tubes->hasContextGroup(7));
+    EXPECT_TRUE(tubes->hasContextGroup(8));
+    tubes->forgetContext(8);
+    tubes->unref();
+}
+
+TEST(SoTubeSetTest, PerLineColoursFollowTheDataWindow) {
+    SoTubeSet* tubes = makeTubeSet();
+    const int values[] = {-5, 0, 5, 10, 20};
+    tubes->setNumLines(5);
+    tubes->setColormap(blueToRed());
+    tubes->setUniformColorsPerLine(values);
+    tubes->setConstantColor(false);
+    tubes->setColorPerLine(true);
+    tubes->setColormapDataWindow(0.0f, 10.0f);
+    EXPECT_EQ(tubes->getLineColor(0), SbColor(0, 0, 1));  // below min: first entry
+    EXPECT_EQ(tubes->getLineColor(1), SbColor(0, 0, 1));
+    EXPECT_EQ(tubes->getLineColor(3), SbColor(1, 0, 0));
+    EXPECT_EQ(tubes->getLineColor(4), SbColor(1, 0, 0));  // above max: last entry
+    SbColor middle = tubes->getLineColor(2);
+    EXPECT_NEAR(middle[0], 128.0f / 255.0f, 1e-5f);  // entry round(255 / 2) = 128
+    tubes->setColormapDataWindow(5.0f, 5.0f);        // range 0: every value gives the first entry
+    for (unsigned int line = 0; line < 5; ++line) {
+        EXPECT_EQ(tubes->getLineColor(line), SbColor(0, 0, 1)) << line;
+    }
+    tubes->highlighted.set1Value(4, 1);
+    tubes->setHighlightColor(SbColor(0, 1, 0));
+    EXPECT_EQ(tubes->getLineColor(4), SbColor(0, 1, 0));
+    tubes->setConstantColor(true);
+    tubes->setUniformLineColor(SbColor(1, 1, 0));
+    EXPECT_EQ(tubes->getLineColor(1), SbColor(1, 1, 0));
+    // Deliberate: the fourth float of every colormap entry repeats red.
+    EXPECT_EQ(tubes->getColormapData()[4 * 255 + 3], 1.0f);
+    tubes->unref();
+}
+
+TEST(SoTubeSetTest, BoundingBoxMarginNeverBelowOneScaleUnit) {
+    SoTubeSet* tubes = makeTubeSet();
+    const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(4, 0, 0)};
+    const float small[] = {0.1f, 0.2f};
+    const float large[] = {0.5f, 3.0f};
+    tubes->setNumLines(1);
+    tubes->setLine(0, 2, line);
+    tubes->setLineRadii(0, small);
+    tubes->setConstantRadius(false);
+    tubes->setTubeScale(2.0f);
+    auto xRange = [&](float& lo, float& hi) {
+        SoGetBoundingBoxAction action(SbViewportRegion(10, 10));
+        action.apply(tubes);
+        SbVec3f a, b;
+        action.getBoundingBox().getBounds(a, b);
+        lo = a[0];
+        hi = b[0];
+    };
+    float lo, hi;
+    xRange(lo, hi);
+    EXPECT_FLOAT_EQ(lo, -2.0f);
+    EXPECT_FLOAT_EQ(hi, 6.0f);
+    tubes->setLineRadii(0, large);
+    tubes->touch();
+    xRange(lo, hi);
+    EXPECT_FLOAT_EQ(lo, -6.0f);
+    EXPECT_FLOAT_EQ(hi, 10.0f);
+    tubes->unref();
+}
