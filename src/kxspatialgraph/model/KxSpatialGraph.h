@@ -14,6 +14,7 @@
 #include "korva/base/Vec3f.h"
 #include "korva/core/KxSpatialData.h"
 #include "kxspatialgraph/model/EdgePointsManager.h"
+#include "kxspatialgraph/model/KxRangeSetDataImpl.h"
 #include "kxspatialgraph/model/SpatialGraphEdge.h"
 
 class EdgeVertexAttribute;
@@ -23,6 +24,7 @@ class KxInfoTags;
 class KxParamBundle;
 class KxSpatialGraphInterface;
 class PointAttribute;
+class SpatialGraphSelection;
 
 // A graph embedded in 3-D space: vertices with coordinates, edges (source,
 // target) carrying a polyline of edge points from the source's position to
@@ -247,9 +249,44 @@ public:
     const Box3f& getStoredBoundingBox() const { return fixedBox_; }
 
     // ==== Copy, merge, transform, bounding boxes, range sets, console commands ====
-    // Implemented in companion files (KxSpatialGraphCopy.cpp, ...). Add those
-    // members here.
+    // Implemented in KxSpatialGraphCopy.cpp and KxSpatialGraphTransform.cpp.
 
+    // Makes this graph a copy of other: parameters (label group bundles
+    // included), transformation, vertices, edges with their points, and the
+    // attributes with their values and label groups. Attributes are created
+    // in the order POINT, EDGE, VERTEX, so their new ids come in that order.
+    void copyFrom(const KxSpatialGraph* other);
+    // A new graph made by copyFrom(this); the caller owns it.
+    KxSpatialGraph* duplicate() const override;
+    // Appends other's vertices, edges and attribute values (matched by name),
+    // other's coordinates brought into this graph's frame. Label groups are
+    // not merged. The attributes of both graphs must agree in number, names,
+    // types and components; otherwise prints the first mismatch as an
+    // "Error: " line, changes nothing and answers false.
+    bool merge(const KxSpatialGraph* other);
+    // Moves every coordinate by the transformation, then resets it to identity.
+    void applyTransform();
+    // xmin, xmax, ymin, ymax, zmin, zmax of every edge point and vertex, each
+    // transformed by the graph's transformation when asked. Deliberate: a
+    // graph without edges, or one with a fixed box, reports the stored box
+    // as it is.
+    void computeBoundingBox(float* box, bool transformed) const;
+    void getBoundingBox(float* box) const { computeBoundingBox(box, false); }
+    void getBoundingBoxAfterTransform(float* box) const { computeBoundingBox(box, true); }
+    void getBoundingBox(Box3f& box) const override { computeBoundingBox(box.data(), false); }
+    // Box of the selected edges' points, the selected vertices and the listed
+    // points, untransformed; the inverted infinite box for an empty selection.
+    // Selected indices outside the graph are skipped.
+    Box3f getBoundingBoxOfSelection(const SpatialGraphSelection& s) const;
+    // (x, y, z, 1) times m, divided by the resulting w.
+    static Vec3f transformPoint(const SbMatrix& m, const Vec3f& p);
+    // The value ranges of single-component attributes, for colormap ports.
+    const KxRangeSetDataImpl& getRangeSetData() const { return rangeSet_; }
+
+private:
+    KxRangeSetDataImpl rangeSet_{this};
+
+public:
     // ==== End of copy/merge/transform section ====
 
 private:

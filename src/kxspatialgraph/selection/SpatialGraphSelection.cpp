@@ -8,6 +8,8 @@
 
 #include <zlib.h>
 
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+
 namespace {
 
 // The three bit sets of two selections normally have equal sizes, but the
@@ -146,6 +148,9 @@ void decodeBits(const char* text, BitField& bits) {
 
 SpatialGraphSelection::SpatialGraphSelection(int numVertices, int numEdges)
     : vertices_(numVertices), edges_(numEdges), allPoints_(numEdges) {}
+
+SpatialGraphSelection::SpatialGraphSelection(const KxSpatialGraph* graph)
+    : SpatialGraphSelection(graph->getNumVertices(), graph->getNumEdges()) {}
 
 void SpatialGraphSelection::resize(int numVertices, int numEdges) {
     vertices_.resize(numVertices);

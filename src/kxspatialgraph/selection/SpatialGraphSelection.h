@@ -5,6 +5,8 @@
 #include "korva/base/String.h"
 #include "kxspatialgraph/model/SpatialGraphPoint.h"
 
+class KxSpatialGraph;
+
 // A subset of one graph's vertices, edges and edge points. A plain value: it
 // refers to elements by index, is sized when it is made and is never updated
 // by the graph; whoever edits a graph resizes or rebuilds the selections it
@@ -18,6 +20,8 @@ class SpatialGraphSelection {
 public:
     SpatialGraphSelection() = default;
     SpatialGraphSelection(int numVertices, int numEdges);
+    // Sized to the graph's current vertex and edge counts, nothing selected.
+    explicit SpatialGraphSelection(const KxSpatialGraph* graph);
 
     // Keeps the bits that stay in range; new bits are clear. The point list is kept.
     void resize(int numVertices, int numEdges);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "support/GraphFixtures.h"
+
 namespace {
 
 SpatialGraphPoint pt(int edge, int point) {
@@ -30,6 +33,11 @@ TEST(SpatialGraphSelectionTest, ConstructionSizesAndClear) {
     EXPECT_EQ(s.getNumVertices(), 5);
     EXPECT_EQ(s.getNumEdges(), 70);
     EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(5, 70)));
+
+    auto y = GraphFixtures::makeY();
+    SpatialGraphSelection fromGraph(y.get());
+    EXPECT_TRUE(fromGraph.isSameSize(SpatialGraphSelection(4, 3)));
+    EXPECT_TRUE(fromGraph.isEmpty());
 }
 
 TEST(SpatialGraphSelectionTest, ResizeKeepsBitsInRangeAndAddsClearBits) {

@@ -1,0 +1,256 @@
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+// A chain of three vertices with identity markers, a label group "Neuron" on
+// vertices and edges, a parameter and a transformation.
+std::unique_ptr<KxSpatialGraph> makeRichGraph() {
+    auto g = makeChain(3);
+    addIdentityMarkers(*g);
+    g->addNewLabelGroup("Neuron", true, true, false);
+    g->addLabel("Neuron", 0, "Axon", SbColor(1, 0, 0));
+    g->addLabel("Neuron", 0, "Soma", SbColor(0, 1, 0));
+    g->parameters().setString("Origin", "test");
+    SbMatrix m;
+    m.setTranslate(SbVec3f(1, 2, 3));
+    g->setTransform(m);
+    return g;
+}
+
+int vertexInt(const KxSpatialGraph& g, const char* name, int v) {
+    return g.findVertexAttribute(name)->getIntDataAtIdx(v);
+}
+
+SbMatrix translation(float x, float y, float z) {
+    SbMatrix m;
+    m.setTranslate(SbVec3f(x, y, z));
+    return m;
+}
+
+}  // namespace
+
+TEST(KxSpatialGraphCopyTest, CopyFromReproducesEverythingButAttributeIds) {
+    auto source = makeRichGraph();
+    KxSpatialGraph copy;
+    copy.addVertex(Vec3f(7, 7, 7));  // replaced by the copy
+    copy.addAttribute("Stale", KxSpatialGraph::EDGE, PrimType::FLOAT32, 1);
+    copy.copyFrom(source.get());
+
+    GraphComparisonOptions options;
+    options.compareAttributeIds = false;
+    EXPECT_EQ(describeDifference(*source, copy, options), "");
+    expectConsistent(copy);
+    ASSERT_NE(copy.getLabelGroup("Neuron"), nullptr);
+    EXPECT_EQ(copy.getLabelId(copy.findEdgeAttribute("Neuron"), "Soma"),
+              source->getLabelId(source->findEdgeAttribute("Neuron"), "Soma"));
+
+    // The copy's own label bundle, not the source's, backs the group.
+    source->addLabel("Neuron", 0, "Dendrite", SbColor(0, 0, 1));
+    EXPECT_EQ(copy.getLabelId(copy.findEdgeAttribute("Neuron"), "Dendrite"), -1);
+}
+
+TEST(KxSpatialGraphCopyTest, CopyCreatesPointThenEdgeThenVertexAttributes) {
+    auto source = makeRichGraph();
+    std::unique_ptr<KxSpatialGraph> copy(source->duplicate());
+    EXPECT_EQ(describeDifference(*source, *copy, {false, false}), "");
+
+    // Point attributes get the first new ids, then edge, then vertex ones.
+    std::vector<int> ids;
+    for (KxSpatialGraph::Location loc :
+         {KxSpatialGraph::POINT, KxSpatialGraph::EDGE, KxSpatialGraph::VERTEX}) {
+        for (int i = 0; i < copy->numAttributes(loc); ++i) {
+            ids.push_back(copy->attribute(loc, i)->getId());
+        }
+    }
+    ASSERT_EQ(ids.size(), 6u);
+    for (size_t i = 1; i < ids.size(); ++i) {
+        EXPECT_EQ(ids[i], ids[0] + static_cast<int>(i));
+    }
+    EXPECT_GT(ids[0], source->attribute(KxSpatialGraph::VERTEX, 0)->getId());
+}
+
+TEST(KxSpatialGraphCopyTest, CopyFromItselfChangesNothing) {
+    auto g = makeRichGraph();
+    GraphSnapshot before = takeSnapshot(*g);
+    g->copyFrom(g.get());
+    EXPECT_TRUE(sameGraph(before, *g));
+}
+
+TEST(KxSpatialGraphCopyTest, MergingACopyAppendsVerticesEdgesAndValues) {
+    auto g = makeChain(3);
+    addIdentityMarkers(*g);
+    std::unique_ptr<KxSpatialGraph> other(g->duplicate());
+    g->merge(other.get());
+    expectConsistent(*g);
+
+    ASSERT_EQ(g->getNumVertices(), 6);
+    ASSERT_EQ(g->getNumEdges(), 4);
+    EXPECT_EQ(g->getEdgeSource(2), 3);
+    EXPECT_EQ(g->getEdgeTarget(2), 4);
+    EXPECT_EQ(g->getEdgeSource(3), 4);
+    EXPECT_EQ(g->getEdgeTarget(3), 5);
+    EXPECT_EQ(g->getVertexCoords(5), Vec3f(2, 0, 0));
+    EXPECT_EQ(g->getEdgePoints(3), other->getEdgePoints(1));
+
+    for (int v = 0; v < 6; ++v) {
+        EXPECT_EQ(vertexInt(*g, "VertexMarker", v), 1000 + v % 3);
+        EXPECT_EQ(g->findVertexAttribute("VertexVec")->floatDataAtIdx(v)[1], -static_cast<float>(v % 3));
+    }
+    const EdgeVertexAttribute* edgeMarker = g->findEdgeAttribute("EdgeMarker");
+    const PointAttribute* pointMarker = g->findEdgePointAttribute("PointMarker");
+    for (int e = 0; e < 4; ++e) {
+        EXPECT_EQ(edgeMarker->getIntDataAtIdx(e), 2000 + e % 2);
+        for (int p = 0; p < g->getNumEdgePoints(e); ++p) {
+            EXPECT_EQ(pointMarker->getIntDataAtPoint(e, p), 10000 * (e % 2) + p);
+        }
+    }
+}
+
+TEST(KxSpatialGraphCopyTest, MergeMatchesAttributesByNameAndKeepsLabelGroups) {
+    auto g = makeChain(2);
+    auto* a =
+        static_cast<EdgeVertexAttribute*>(g->addAttribute("A", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
+    auto* b =
+        static_cast<EdgeVertexAttribute*>(g->addAttribute("B", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
+    a->setIntDataAtIdx(0, 1);
+    b->setIntDataAtIdx(0, 2);
+    g->addNewLabelGroup("Mine", false, false, true);
+
+    // Other declares its attributes in the opposite order and has its own group.
+    auto other = makeChain(2);
+    auto* otherB = static_cast<EdgeVertexAttribute*>(
+        other->addAttribute("B", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
+    auto* otherA = static_cast<EdgeVertexAttribute*>(
+        other->addAttribute("A", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
+    otherA->setIntDataAtIdx(1, 11);
+    otherB->setIntDataAtIdx(1, 22);
+    other->addAttribute("Mine", KxSpatialGraph::POINT, PrimType::INT32, 1);
+    other->addNewLabelGroup("Theirs", false, false, false);
+
+    ASSERT_TRUE(g->merge(other.get()));
+    expectConsistent(*g);
+    EXPECT_EQ(vertexInt(*g, "A", 3), 11);
+    EXPECT_EQ(vertexInt(*g, "B", 3), 22);
+    EXPECT_EQ(vertexInt(*g, "A", 0), 1);
+    EXPECT_NE(g->getLabelGroup("Mine"), nullptr);
+    EXPECT_EQ(g->getLabelGroup("Theirs"), nullptr);
+}
+
+TEST(KxSpatialGraphCopyTest, MergeBringsOtherCoordinatesIntoThisFrame) {
+    // This graph is scaled by 2, other is shifted by 10 in x: other's local x
+    // lands at (x + 10) / 2 in this graph's coordinates.
+    auto g = makeChain(2);
+    SbMatrix scale;
+    scale.setScale(2.0f);
+    g->setTransform(scale);
+    auto other = makeChain(3);
+    other->setTransform(translation(10, 0, 0));
+
+    ASSERT_TRUE(g->merge(other.get()));
+    expectConsistent(*g);
+    EXPECT_EQ(g->getVertexCoords(2), Vec3f(5, 0, 0));
+    EXPECT_EQ(g->getVertexCoords(4), Vec3f(6, 0, 0));
+    EXPECT_EQ(g->getEdgePoint(2, 1), Vec3f(5.75f, 0, 0));  // other's midpoint (1.5, 0, 0)
+    EXPECT_EQ(g->getTransform(), scale);
+
+    // Equal transformations cancel without rounding.
+    auto h = makeY();
+    h->setTransform(translation(0.1f, 0.2f, 0.3f));
+    std::unique_ptr<KxSpatialGraph> copy(h->duplicate());
+    ASSERT_TRUE(h->merge(copy.get()));
+    for (int v = 0; v < copy->getNumVertices(); ++v) {
+        EXPECT_EQ(h->getVertexCoords(v + 4), copy->getVertexCoords(v));
+    }
+}
+
+TEST(KxSpatialGraphCopyTest, MergeWithItselfDoublesTheGraph) {
+    auto g = makeLoop();
+    addIdentityMarkers(*g);
+    ASSERT_TRUE(g->merge(g.get()));
+    expectConsistent(*g);
+    EXPECT_EQ(g->getNumVertices(), 6);
+    EXPECT_EQ(g->getNumEdges(), 8);
+    EXPECT_EQ(g->getEdgeSource(7), 5);
+    EXPECT_EQ(g->getEdgeTarget(7), 5);
+    EXPECT_EQ(vertexInt(*g, "VertexMarker", 5), 1002);
+}
+
+TEST(KxSpatialGraphCopyTest, MergeFailuresPrintOneMessageAndChangeNothing) {
+    using Edit = std::function<void(KxSpatialGraph&)>;
+    auto replace = [](KxSpatialGraph::Location loc, const char* name, PrimType type, int nDataVar) {
+        return [=](KxSpatialGraph& g) { g.addAttribute(name, loc, type, nDataVar); };
+    };
+    auto rename = [](KxSpatialGraph::Location loc, const char* name) {
+        return [=](KxSpatialGraph& g) { g.findAttribute(loc, name)->setName("Renamed"); };
+    };
+    auto add = [](KxSpatialGraph::Location loc) {
+        return [=](KxSpatialGraph& g) { g.addAttribute("Extra", loc, PrimType::INT32, 1); };
+    };
+    struct Case {
+        const char* message;
+        Edit editOther;
+    };
+    const KxSpatialGraph::Location V = KxSpatialGraph::VERTEX, E = KxSpatialGraph::EDGE,
+                                   P = KxSpatialGraph::POINT;
+    const Case cases[] = {
+        {"Error: number of VERTEX attributes does not match. Aborting merge.", add(V)},
+        {"Error: number of EDGE attributes does not match. Aborting merge.", add(E)},
+        {"Error: number of POINT attributes does not match. Aborting merge.", add(P)},
+        // Counts of all locations come before any name.
+        {"Error: number of POINT attributes does not match. Aborting merge.",
+         [&](KxSpatialGraph& g) {
+             rename(V, "VertexMarker")(g);
+             add(P)(g);
+         }},
+        {"Error: Vertex attribute VertexMarker not found. Aborting.", rename(V, "VertexMarker")},
+        {"Error: Primtype of vertex attribute VertexMarker not matching. Aborting.",
+         replace(V, "VertexMarker", PrimType::FLOAT32, 1)},
+        {"Error: number of values of vertex attribute VertexVec not matching. Aborting.",
+         replace(V, "VertexVec", PrimType::FLOAT32, 2)},
+        {"Error: Edge attribute EdgeMarker not found. Aborting.", rename(E, "EdgeMarker")},
+        {"Error: Primtype of edge attribute EdgeMarker not matching. Aborting.",
+         replace(E, "EdgeMarker", PrimType::FLOAT32, 1)},
+        {"Error: number of values of edge attribute EdgeMarker not matching. Aborting.",
+         replace(E, "EdgeMarker", PrimType::INT32, 4)},
+        {"Error: Point attribute PointMarker not found. Aborting.", rename(P, "PointMarker")},
+        {"Error: Primtype of point attribute PointMarker not matching. Aborting.",
+         replace(P, "PointMarker", PrimType::FLOAT32, 1)},
+        {"Error: number of values of point attribute PointMarker not matching. Aborting.",
+         replace(P, "PointMarker", PrimType::INT32, 2)},
+        // Vertex attributes are checked before edge attributes.
+        {"Error: Vertex attribute VertexMarker not found. Aborting.",
+         [&](KxSpatialGraph& g) {
+             rename(E, "EdgeMarker")(g);
+             rename(V, "VertexMarker")(g);
+         }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.message);
+        auto g = makeRichGraph();
+        auto other = makeTwoComponents();
+        addIdentityMarkers(*other);
+        other->addNewLabelGroup("Neuron", true, true, false);
+        c.editOther(*other);
+        GraphSnapshot before = takeSnapshot(*g);
+
+        KxMessageCapture capture;
+        EXPECT_FALSE(g->merge(other.get()));
+        EXPECT_EQ(capture.lines(), std::vector<std::string>{c.message});
+        EXPECT_TRUE(sameGraph(before, *g, {true, true}));
+    }
+}
