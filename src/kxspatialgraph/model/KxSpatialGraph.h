@@ -237,6 +237,15 @@ public:
     // Sets "Id" of parent's child childName; warns and answers false if there is none.
     static bool assignChildLabelId(KxParamBundle* parent, const char* childName, int id);
 
+    // ---- Traversal (KxSpatialGraphTraversal.cpp) -------------------------------
+
+    // Selects vertex and, following the incidence lists in order, every edge
+    // not yet selected and the vertex at its other end. Only edges count as
+    // visited. Iterative, so long chains cannot exhaust the stack.
+    void depthFirstSearch(int vertex, SpatialGraphSelection& selection) const;
+    // A new selection sized to the graph holding vertex's connected component.
+    SpatialGraphSelection getConnectedComponent(int vertex) const;
+
     // ---- Fixed bounding box ----------------------------------------------------
 
     // Stores the box and sets the fixed-box flag; while it is set the stored

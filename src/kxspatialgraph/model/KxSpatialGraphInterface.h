@@ -7,6 +7,7 @@
 #include "korva/base/SmallArray.h"
 #include "korva/base/String.h"
 #include "korva/base/Vec3f.h"
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
 
 class EdgeVertexAttribute;
 class GraphAttribute;
@@ -49,4 +50,7 @@ public:
     virtual bool doIsConsistent() const = 0;
     virtual SbMatrix doGetTransform() const = 0;
     virtual void doGetTransform(SbMatrix& matrix) const = 0;
+    virtual SpatialGraphSelection doGetConnectedComponent(int vertex) const = 0;
+    // xmin, xmax, ymin, ymax, zmin, zmax.
+    virtual void doGetBoundingBox(float* box) const = 0;
 };

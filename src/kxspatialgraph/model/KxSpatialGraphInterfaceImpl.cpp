@@ -1,5 +1,7 @@
 #include "kxspatialgraph/model/KxSpatialGraphInterfaceImpl.h"
 
+#include <algorithm>
+
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
 int KxSpatialGraphInterfaceImpl::doGetNumVertices() const {
@@ -85,4 +87,14 @@ SbMatrix KxSpatialGraphInterfaceImpl::doGetTransform() const {
 }
 void KxSpatialGraphInterfaceImpl::doGetTransform(SbMatrix& matrix) const {
     graph_->getTransform(matrix);
+}
+SpatialGraphSelection KxSpatialGraphInterfaceImpl::doGetConnectedComponent(int vertex) const {
+    return graph_->getConnectedComponent(vertex);
+}
+void KxSpatialGraphInterfaceImpl::doGetBoundingBox(float* box) const {
+    // Through the spatial data's virtual box query, which the graph answers
+    // with its untransformed bounding box.
+    Box3f b;
+    static_cast<const KxSpatialData*>(graph_)->getBoundingBox(b);
+    std::copy(b.data(), b.data() + 6, box);
 }

@@ -40,6 +40,8 @@ public:
     bool doIsConsistent() const override;
     SbMatrix doGetTransform() const override;
     void doGetTransform(SbMatrix& matrix) const override;
+    SpatialGraphSelection doGetConnectedComponent(int vertex) const override;
+    void doGetBoundingBox(float* box) const override;
 
 private:
     const KxSpatialGraph* graph_;
