@@ -39,6 +39,19 @@ DArray<int> insertionMap(int count, const DArray<int>& inserted) {
     return map;
 }
 
+// Grows array to newCount and moves each old element i to map[i], back to
+// front: every element moves up or stays, never onto one still to move. The
+// places of new elements are left for the caller.
+template <class T>
+void moveToInsertionPlaces(DArray<T>& array, const DArray<int>& map, int newCount) {
+    array.resize(newCount);
+    for (int i = map.size() - 1; i >= 0; --i) {
+        if (map[i] != i) {
+            array[map[i]] = std::move(array[i]);
+        }
+    }
+}
+
 }  // namespace
 
 KxSpatialGraph::KxSpatialGraph() : interface_(new KxSpatialGraphInterfaceImpl(this)) {}
@@ -198,11 +211,15 @@ void KxSpatialGraph::removeMultipleVertices(const DArray<int>& indices) {
     for (EdgeVertexAttribute* a : vertexAttributes_) {
         a->removeLast(indices.size());
     }
+    mapEdgeEnds(map);
+}
+
+void KxSpatialGraph::mapEdgeEnds(const DArray<int>& map) {
     for (SpatialGraphEdge& edge : edges_) {
         int s = edge.getSource();
         int t = edge.getTarget();
-        edge.setSource(s >= 0 && s < count ? map[s] : s);
-        edge.setTarget(t >= 0 && t < count ? map[t] : t);
+        edge.setSource(s >= 0 && s < map.size() ? map[s] : s);
+        edge.setTarget(t >= 0 && t < map.size() ? map[t] : t);
     }
 }
 
@@ -293,27 +310,15 @@ void KxSpatialGraph::insertMultipleVertices(const DArray<int>& indices, const DA
     int oldCount = coords_.size();
     int newCount = oldCount + indices.size();
     DArray<int> map = insertionMap(oldCount, indices);
-    coords_.resize(newCount);
-    incidence_.resize(newCount);
-    // Back to front: every old vertex moves up (or stays), never onto one still to move.
-    for (int v = oldCount - 1; v >= 0; --v) {
-        if (map[v] != v) {
-            coords_[map[v]] = coords_[v];
-            incidence_[map[v]] = std::move(incidence_[v]);
-        }
-    }
+    moveToInsertionPlaces(coords_, map, newCount);
+    moveToInsertionPlaces(incidence_, map, newCount);
     for (int k = 0; k < indices.size(); ++k) {
         coords_[indices[k]] = coords[k];
         incidence_[indices[k]] = IncidenceList();
     }
     // The incidence lists moved with their vertices, so reattaching an edge
     // is only renaming its ends; the lists keep their order.
-    for (SpatialGraphEdge& edge : edges_) {
-        int s = edge.getSource();
-        int t = edge.getTarget();
-        edge.setSource(s >= 0 && s < oldCount ? map[s] : s);
-        edge.setTarget(t >= 0 && t < oldCount ? map[t] : t);
-    }
+    mapEdgeEnds(map);
     insertMultipleValues(vertexAttributes_, indices, values, attributeIds);
 }
 
@@ -329,12 +334,7 @@ void KxSpatialGraph::insertMultipleEdges(const DArray<int>& indices, const DArra
     int oldCount = edges_.size();
     int newCount = oldCount + indices.size();
     DArray<int> map = insertionMap(oldCount, indices);
-    edges_.resize(newCount);
-    for (int e = oldCount - 1; e >= 0; --e) {
-        if (map[e] != e) {
-            edges_[map[e]] = edges_[e];
-        }
-    }
+    moveToInsertionPlaces(edges_, map, newCount);
     for (int k = 0; k < indices.size(); ++k) {
         edges_[indices[k]] = edges[k];
     }

@@ -320,7 +320,12 @@ private:
     void deleteAllLabelGroups();
 
     bool isVertex(int v) const { return v >= 0 && v < coords_.size(); }
+    // Replaces every edge end v in 0 .. map size - 1 by map[v].
+    void mapEdgeEnds(const DArray<int>& map);
     void attachEdge(int e, int v);
+    // Prints the end-point error of isConsistent() when point is farther than
+    // the tolerance from vertex v; end is "source" or "target".
+    bool endPointMatches(const char* end, int v, int e, const Vec3f& point) const;
     void detachEdge(int e, int v);
 
     DArray<Vec3f> coords_;

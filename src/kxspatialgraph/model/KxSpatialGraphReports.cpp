@@ -17,6 +17,18 @@ const float kEndPointTolerance = 0.0001f;
 
 }  // namespace
 
+bool KxSpatialGraph::endPointMatches(const char* end, int v, int e, const Vec3f& point) const {
+    if (!isVertex(v) || coords_[v].distance(point) <= kEndPointTolerance) {
+        return true;
+    }
+    const Vec3f& c = coords_[v];
+    theMsg->printf(
+        "Error: %s vertex %d coordinates (%.5f, %.5f, %.5f) of edge %d do not equal point coords "
+        "(%.5f, %.5f, %.5f)",
+        end, v, c.x, c.y, c.z, e, point.x, point.y, point.z);
+    return false;
+}
+
 bool KxSpatialGraph::isConsistent() const {
     bool ok = true;
     int numVertices = getNumVertices();
@@ -87,22 +99,8 @@ bool KxSpatialGraph::isConsistent() const {
         int t = getEdgeTarget(e);
         Vec3f first = getEdgePoint(e, 0);
         Vec3f last = getEdgePoint(e, n - 1);
-        if (isVertex(s) && coords_[s].distance(first) > kEndPointTolerance) {
-            const Vec3f& c = coords_[s];
-            theMsg->printf(
-                "Error: source vertex %d coordinates (%.5f, %.5f, %.5f) of edge %d do not equal point "
-                "coords (%.5f, %.5f, %.5f)",
-                s, c.x, c.y, c.z, e, first.x, first.y, first.z);
-            ok = false;
-        }
-        if (isVertex(t) && coords_[t].distance(last) > kEndPointTolerance) {
-            const Vec3f& c = coords_[t];
-            theMsg->printf(
-                "Error: target vertex %d coordinates (%.5f, %.5f, %.5f) of edge %d do not equal point "
-                "coords (%.5f, %.5f, %.5f)",
-                t, c.x, c.y, c.z, e, last.x, last.y, last.z);
-            ok = false;
-        }
+        ok = endPointMatches("source", s, e, first) && ok;
+        ok = endPointMatches("target", t, e, last) && ok;
     }
 
     for (const EdgeVertexAttribute* a : vertexAttributes_) {

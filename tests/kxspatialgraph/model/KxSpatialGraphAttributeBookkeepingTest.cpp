@@ -110,6 +110,29 @@ struct SavedElements {
     }
 };
 
+// Removes vertex v (which has no edges) and inserts it again at its index,
+// with its saved attribute values or without any.
+void reinsertVertex(KxSpatialGraph& g, int v, bool supplied) {
+    Vec3f c = g.getVertexCoords(v);
+    DArray<TypedElement> values = vertexValues(g, v);
+    g.removeVertex(v);
+    g.insertVertex(v, c, supplied ? values : DArray<TypedElement>(),
+                   supplied ? ids(g, KxSpatialGraph::VERTEX) : DArray<int>());
+}
+
+void reinsertEdge(KxSpatialGraph& g, int e, bool supplied) {
+    SpatialGraphEdge edge = g.getEdge(e);
+    DArray<Vec3f> points = g.getEdgePoints(e);
+    DArray<TypedElement> ev = edgeValues(g, e);
+    DArray<TypedData2D> pv = pointValues(g, e);
+    g.removeEdge(e);
+    if (supplied) {
+        g.insertEdge(e, edge, points, ev, ids(g, KxSpatialGraph::EDGE), pv, ids(g, KxSpatialGraph::POINT));
+    } else {
+        g.insertEdge(e, edge, points, {}, {}, {}, {});
+    }
+}
+
 struct BookkeepingCase {
     const char* name;
     std::function<void(KxSpatialGraph&)> edit;
@@ -186,64 +209,32 @@ std::vector<BookkeepingCase> cases() {
          {2, 3},
          {}},
         {"insertVertex supplied",
-         [](KxSpatialGraph& g) {
-             DArray<TypedElement> values = vertexValues(g, 5);
-             g.removeVertex(5);
-             g.insertVertex(5, Vec3f(10, 0, 0), values, ids(g, KxSpatialGraph::VERTEX));
-         },
+         [](KxSpatialGraph& g) { reinsertVertex(g, 5, true); },
          allVertices,
          allEdges,
          {}},
         {"insertVertex unsupplied",
-         [](KxSpatialGraph& g) {
-             g.removeVertex(5);
-             g.insertVertex(5, Vec3f(10, 0, 0), DArray<TypedElement>(), DArray<int>());
-         },
+         [](KxSpatialGraph& g) { reinsertVertex(g, 5, false); },
          {0, 1, 2, 3, 4, -1, 6},
          allEdges,
          {}},
         {"insertVertex at the end supplied",
-         [](KxSpatialGraph& g) {
-             DArray<TypedElement> values = vertexValues(g, 6);
-             g.removeVertex(6);
-             g.insertVertex(6, Vec3f(11, 1, 0), values, ids(g, KxSpatialGraph::VERTEX));
-         },
+         [](KxSpatialGraph& g) { reinsertVertex(g, 6, true); },
          allVertices,
          allEdges,
          {}},
         {"insertEdge supplied",
-         [](KxSpatialGraph& g) {
-             SpatialGraphEdge edge = g.getEdge(1);
-             DArray<Vec3f> points = g.getEdgePoints(1);
-             DArray<TypedElement> ev = edgeValues(g, 1);
-             DArray<TypedData2D> pv = pointValues(g, 1);
-             g.removeEdge(1);
-             g.insertEdge(1, edge, points, ev, ids(g, KxSpatialGraph::EDGE), pv,
-                          ids(g, KxSpatialGraph::POINT));
-         },
+         [](KxSpatialGraph& g) { reinsertEdge(g, 1, true); },
          allVertices,
          allEdges,
          {}},
         {"insertEdge unsupplied",
-         [](KxSpatialGraph& g) {
-             SpatialGraphEdge edge = g.getEdge(1);
-             DArray<Vec3f> points = g.getEdgePoints(1);
-             g.removeEdge(1);
-             g.insertEdge(1, edge, points, {}, {}, {}, {});
-         },
+         [](KxSpatialGraph& g) { reinsertEdge(g, 1, false); },
          allVertices,
          {0, -1, 2, 3},
          {}},
         {"insertEdge at the end supplied",
-         [](KxSpatialGraph& g) {
-             SpatialGraphEdge edge = g.getEdge(3);
-             DArray<Vec3f> points = g.getEdgePoints(3);
-             DArray<TypedElement> ev = edgeValues(g, 3);
-             DArray<TypedData2D> pv = pointValues(g, 3);
-             g.removeEdge(3);
-             g.insertEdge(3, edge, points, ev, ids(g, KxSpatialGraph::EDGE), pv,
-                          ids(g, KxSpatialGraph::POINT));
-         },
+         [](KxSpatialGraph& g) { reinsertEdge(g, 3, true); },
          allVertices,
          allEdges,
          {}},
