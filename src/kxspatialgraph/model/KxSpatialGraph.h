@@ -54,7 +54,7 @@ public:
     int getNumEdges() const { return edges_.size(); }
     Vec3f getVertexCoords(int v) const { return coords_[v]; }
     // The coordinate triples of vertex v and all later vertices, contiguous.
-    const float* getVertices(int v) const { return coords_.dataPtr()[v].data(); }
+    const float* getVertices(int v) const { return reinterpret_cast<const float*>(coords_.dataPtr() + v); }
     // Sets the coordinates only; edge end points are not moved.
     void setVertexCoords(int v, const Vec3f& c) { coords_[v] = c; }
     const SpatialGraphEdge& getEdge(int e) const { return edges_[e]; }
