@@ -258,7 +258,8 @@ public:
     const Box3f& getStoredBoundingBox() const { return fixedBox_; }
 
     // ==== Copy, merge, transform, bounding boxes, range sets, console commands ====
-    // Implemented in KxSpatialGraphCopy.cpp and KxSpatialGraphTransform.cpp.
+    // Implemented in KxSpatialGraphCopy.cpp, KxSpatialGraphTransform.cpp and
+    // KxSpatialGraphCommands.cpp.
 
     // Makes this graph a copy of other: parameters (label group bundles
     // included), transformation, vertices, edges with their points, and the
@@ -291,6 +292,9 @@ public:
     static Vec3f transformPoint(const SbMatrix& m, const Vec3f& p);
     // The value ranges of single-component attributes, for colormap ports.
     const KxRangeSetDataImpl& getRangeSetData() const { return rangeSet_; }
+    // "merge otherDataSet", "applyTransform", "help" and the building
+    // commands of docs/spatialgraph-commands.md; others go to KxSpatialData.
+    int parse(Tcl_Interp* interp, int argc, char** argv) override;
 
 private:
     KxRangeSetDataImpl rangeSet_{this};

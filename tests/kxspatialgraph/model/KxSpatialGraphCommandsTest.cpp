@@ -1,0 +1,177 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <tcl.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/core/KxTclInterpreter.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Graphs live in the session's pool, where `merge` looks its argument up.
+class KxSpatialGraphCommandsTest : public ::testing::Test {
+protected:
+    KxSpatialGraphCommandsTest() : tcl_(*theObjectPool) {}
+    ~KxSpatialGraphCommandsTest() override { theObjectPool->clear(); }
+
+    KxSpatialGraph* add(std::unique_ptr<KxSpatialGraph> graph, const char* label) {
+        KxSpatialGraph* g = graph.release();
+        theObjectPool->add(g, label);
+        g->addListener([this](KxData&, unsigned int mask) { fired_.push_back(mask); });
+        return g;
+    }
+    std::string ok(const char* script) {
+        EXPECT_EQ(tcl_.eval(script), TCL_OK) << script << ": " << tcl_.result();
+        return tcl_.result();
+    }
+    std::string error(const char* script) {
+        EXPECT_EQ(tcl_.eval(script), TCL_ERROR) << script << ": " << tcl_.result();
+        return tcl_.result();
+    }
+
+    KxTclInterpreter tcl_;
+    std::vector<unsigned int> fired_;
+};
+
+}  // namespace
+
+TEST_F(KxSpatialGraphCommandsTest, MergeAppendsTheNamedGraphAndFires) {
+    KxSpatialGraph* g = add(makeChain(3), "chain");
+    add(makeY(), "y");
+    ok("chain merge y");
+    EXPECT_EQ(g->getNumVertices(), 7);
+    EXPECT_EQ(g->getNumEdges(), 5);
+    EXPECT_EQ(g->getEdgeSource(4), 6);
+    expectConsistent(*g);
+    EXPECT_EQ(fired_, (std::vector<unsigned int>{KxData::ALL_PARTS}));
+    EXPECT_TRUE(g->isModified());
+}
+
+TEST_F(KxSpatialGraphCommandsTest, MergeRefusesWrongCallsAndChangesNothing) {
+    KxSpatialGraph* g = add(makeChain(3), "chain");
+    auto marked = makeY();
+    addIdentityMarkers(*marked);
+    add(std::move(marked), "marked");
+    theObjectPool->add(new KxData, "plain");
+    GraphSnapshot before = takeSnapshot(*g);
+
+    struct Case {
+        const char* script;
+        Lines lines;
+    };
+    const Case cases[] = {
+        {"chain merge", {"USAGE: merge otherDataSet"}},
+        {"chain merge y marked", {"USAGE: merge otherDataSet"}},
+        {"chain merge nothing", {"Data sets must be of same type"}},
+        {"chain merge plain", {"Data sets must be of same type"}},
+        {"chain merge marked", {"Error: number of VERTEX attributes does not match. Aborting merge."}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.script);
+        KxMessageCapture capture;
+        error(c.script);
+        EXPECT_EQ(capture.lines(), c.lines);
+        EXPECT_TRUE(sameGraph(before, *g));
+    }
+    EXPECT_TRUE(fired_.empty());
+}
+
+TEST_F(KxSpatialGraphCommandsTest, ApplyTransformWarnsAboutExtraArguments) {
+    KxSpatialGraph* g = add(makeChain(2), "chain");
+    ok("chain setTransform 1 0 0 0  0 1 0 0  0 0 1 0  5 6 7 1");
+    fired_.clear();
+    {
+        KxMessageCapture capture;
+        ok("chain applyTransform");
+        EXPECT_TRUE(capture.lines().empty());
+    }
+    EXPECT_EQ(g->getVertexCoords(1), Vec3f(6, 6, 7));
+    EXPECT_TRUE(g->isTransformIdentity());
+    EXPECT_EQ(fired_, (std::vector<unsigned int>{KxData::ALL_PARTS}));
+
+    ok("chain setTransform 2 0 0 0  0 2 0 0  0 0 2 0  0 0 0 1");
+    KxMessageCapture capture;
+    ok("chain applyTransform now please");
+    EXPECT_EQ(capture.lines(), Lines{"Warning: additional arguments ignored"});
+    EXPECT_EQ(g->getVertexCoords(1), Vec3f(12, 12, 14));
+    expectConsistent(*g);
+}
+
+TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsMakeAConsistentGraph) {
+    KxSpatialGraph* g = add(std::make_unique<KxSpatialGraph>(), "g");
+    EXPECT_EQ(ok("g addVertex 0 0 0"), "0");
+    EXPECT_EQ(ok("g addVertex 2 0 0"), "1");
+    EXPECT_EQ(ok("g addEdge 0 1 1 1 0"), "0");
+    EXPECT_EQ(ok("g addEdge 1 1"), "1");
+    ok("g addAttribute Radius VERTEX float");
+    ok("g addAttribute Dir EDGE int 2");
+    ok("g addAttribute Width POINT float");
+    ok("g setValue VERTEX Radius 1 2.5");
+    ok("g setValue EDGE Dir 0 -1 7");
+    ok("g setValue POINT Width 0 1 0.25");
+    ok("g addLabelGroup Kind VERTEX EDGE");
+    EXPECT_EQ(ok("g addLabel Kind 0 Axon 1 0 0"), "1");
+    EXPECT_EQ(ok("g addLabel Kind 1 Bouton 0 0 1"), "2");
+    EXPECT_EQ(ok("g isConsistent"), "1");
+    EXPECT_EQ(ok("g getBoundingBox"), "0.0 2.0 0.0 1.0 0.0 0.0");
+
+    expectConsistent(*g);
+    EXPECT_EQ(g->getEdgePoints(0), (DArray<Vec3f>{Vec3f(0, 0, 0), Vec3f(1, 1, 0), Vec3f(2, 0, 0)}));
+    EXPECT_EQ(g->findVertexAttribute("Radius")->getFloatDataAtIdx(1), 2.5f);
+    EXPECT_EQ(g->findEdgeAttribute("Dir")->intDataAtIdx(0)[1], 7);
+    EXPECT_EQ(g->findEdgePointAttribute("Width")->getFloatDataAtPoint(0, 1), 0.25f);
+    ASSERT_NE(g->findVertexAttribute("Kind"), nullptr);
+    EXPECT_EQ(g->getLabelId(g->findEdgeAttribute("Kind"), "Bouton"), 2);
+    EXPECT_NE(ok("g help").find("merge otherDataSet\n"), std::string::npos);
+}
+
+TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChanges) {
+    KxSpatialGraph* g = add(makeChain(2), "g");
+    ok("g addAttribute Dir EDGE int 2");
+    ok("g addLabelGroup Kind VERTEX");
+    GraphSnapshot before = takeSnapshot(*g);
+    fired_.clear();
+
+    struct Case {
+        const char* script;
+        const char* line;
+    };
+    const Case cases[] = {
+        {"g addVertex 1 2", "USAGE: addVertex x y z"},
+        {"g addVertex 1 2 zz", "Error: expected floating-point number but got \"zz\""},
+        {"g addEdge 0 2", "Error: Vertex 2 out of range (2)."},
+        {"g addEdge 0 1 5 5", "USAGE: addEdge source target ?x y z ...?"},
+        {"g addAttribute A CORNER int", "USAGE: addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?"},
+        {"g addAttribute A VERTEX double", "USAGE: addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?"},
+        {"g addAttribute A VERTEX int 0", "Error: nDataVar must be a positive number, not \"0\"."},
+        {"g setValue EDGE Missing 0 1", "Error: EDGE attribute Missing not found."},
+        {"g setValue EDGE Dir 1 1 2", "Error: Edge 1 out of range (1)."},
+        {"g setValue EDGE Dir 0 1", "Error: attribute Dir takes 2 values per element."},
+        {"g setValue EDGE Dir 0 1 x", "Error: expected integer but got \"x\""},
+        {"g addLabelGroup Kind", "USAGE: addLabelGroup name VERTEX|EDGE|POINT..."},
+        {"g addLabel Nope 0 A 1 1 1", "Error: label group Nope not found."},
+        {"g addLabel Kind 9 A 1 1 1", "Error: label group Kind has no label with id 9."},
+        {"g getBoundingBox sideways", "USAGE: getBoundingBox ?transformed?"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.script);
+        KxMessageCapture capture;
+        error(c.script);
+        EXPECT_EQ(capture.lines(), Lines{c.line});
+        EXPECT_TRUE(sameGraph(before, *g));
+    }
+    EXPECT_TRUE(fired_.empty());
+}
