@@ -1,5 +1,7 @@
 #include "kxspatialgraph/KxSpatialGraphPackage.h"
 
+#include "korva/core/KxClassRegistry.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/view/SoTubeSet.h"
 
 namespace {
@@ -13,6 +15,8 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     gInitialised = true;
     // Classes register here with theClassRegistry->registerClass(...); file
     // formats are listed in resources/kxspatialgraph/kxspatialgraph.rc (docs/host.md).
+    theClassRegistry->registerClass("KxSpatialGraph", "kxspatialgraph",
+                                    []() -> KxObject* { return new KxSpatialGraph; });
     SoTubeSet::initClass();
     return 1;
 }

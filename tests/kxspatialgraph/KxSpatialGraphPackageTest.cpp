@@ -1,0 +1,37 @@
+#include "kxspatialgraph/KxSpatialGraphPackage.h"
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxObject.h"
+
+TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
+    korvapackage_kxspatialgraph_init();
+    std::unique_ptr<KxObject> object(theClassRegistry->createInstance("KxSpatialGraph"));
+    ASSERT_NE(object, nullptr);
+    EXPECT_STREQ(object->getTypeName(), "KxSpatialGraph");
+    EXPECT_STREQ(theClassRegistry->getPackage("KxSpatialGraph"), "kxspatialgraph");
+}
+
+// The example builds two neurons (x 0..10 and 20..30, y 0..6, z 0..1), merges
+// them, scales by 2 and moves by 5 in z, so the baked box is known by hand.
+TEST(KxSpatialGraphPackageTest, GraphBasicsExampleRunsInKorva) {
+    std::string command =
+        std::string(KORVA_BINARY_DIR "/bin/korva ") + KORVA_SOURCE_DIR + "/examples/graph_basics.tcl 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string output;
+    char buffer[4096];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+        output.append(buffer, n);
+    }
+    EXPECT_EQ(pclose(pipe), 0) << output;
+    EXPECT_NE(output.find("Bounding box after applyTransform: 0.0 60.0 0.0 12.0 5.0 7.0"), std::string::npos)
+        << output;
+    EXPECT_NE(output.find("\"Dendrite\" {"), std::string::npos) << output;
+}
