@@ -3,6 +3,7 @@
 #include "korva/core/KxClassRegistry.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/view/SoTubeSet.h"
+#include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
 
 namespace {
 bool gInitialised = false;
@@ -18,5 +19,6 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     theClassRegistry->registerClass("KxSpatialGraph", "kxspatialgraph",
                                     []() -> KxObject* { return new KxSpatialGraph; });
     SoTubeSet::initClass();
+    SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }

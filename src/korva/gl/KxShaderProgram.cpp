@@ -1,12 +1,15 @@
 #include "korva/gl/KxShaderProgram.h"
 
 #include <GL/glew.h>
+
+#include <fstream>
+#include <sstream>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/misc/SoContextHandler.h>
 
 #include "korva/core/KxMessageConsole.h"
 #include "korva/gl/KxGLCapabilities.h"
-#include "korva/gl/KxPackageResources.h"
+#include "korva/core/KxPackageLoader.h"
 
 namespace {
 
@@ -27,6 +30,27 @@ GLuint compileStage(GLenum stage, const std::string& source, std::string& log) {
     return shader;
 }
 
+// The package's resource folder: where the loader found it, or share/<package>
+// beside the host library (packages linked directly, as in tests).
+std::string resourcePath(const char* package, const char* file) {
+    std::string dir = thePackageLoader->getResourceDir(package);
+    if (dir.empty()) {
+        dir = KxPackageLoader::hostLibraryDir() + "/../share/" + package;
+    }
+    return dir + "/" + file;
+}
+
+bool readFile(const std::string& path, std::string& contents) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        return false;
+    }
+    std::ostringstream buffer;
+    buffer << in.rdbuf();
+    contents = buffer.str();
+    return true;
+}
+
 void deleteProgramCb(void* data, uint32_t) {
     auto* program = static_cast<GLuint*>(data);
     glDeleteProgram(*program);
@@ -38,15 +62,12 @@ void deleteProgramCb(void* data, uint32_t) {
 KxShaderProgram* KxShaderProgram::create(const char* package, const char* vertexFile,
                                          const char* fragmentFile) {
     std::string vertex, fragment;
-    if (!KxPackageResources::read(package, vertexFile, vertex)) {
-        theMsg->printf("Error: Cannot read shader %s.",
-                       KxPackageResources::path(package, vertexFile).c_str());
-        return nullptr;
-    }
-    if (!KxPackageResources::read(package, fragmentFile, fragment)) {
-        theMsg->printf("Error: Cannot read shader %s.",
-                       KxPackageResources::path(package, fragmentFile).c_str());
-        return nullptr;
+    for (const char* file : {vertexFile, fragmentFile}) {
+        std::string path = resourcePath(package, file);
+        if (!readFile(path, file == vertexFile ? vertex : fragment)) {
+            theMsg->printf("Error: Cannot read shader %s.", path.c_str());
+            return nullptr;
+        }
     }
     return new KxShaderProgram(vertex, fragment, std::string(package) + "/" + vertexFile);
 }

@@ -17,7 +17,7 @@
 // scene's clip planes cut the shape.
 class KxShaderProgram {
 public:
-    // Reads both files from the package's resources (KxPackageResources).
+    // Reads both files from the package's resource folder (share/<package>).
     // Null, with an "Error: " line, when a file cannot be read.
     static KxShaderProgram* create(const char* package, const char* vertexFile, const char* fragmentFile);
 

@@ -1,0 +1,255 @@
+// SpatialGraphViewNode: GPU tubes (SoTubeSet) and the legacy tubes made of faces.
+#include <Inventor/nodes/SoCoordinate3.h>
+#include <Inventor/nodes/SoIndexedFaceSet.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoShapeHints.h>
+
+#include "korva/data/KxColormap.h"
+#include "korva/modules/KxPortColormap.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraphInterface.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
+#include "kxspatialgraph/view/SoTubeSet.h"
+#include "kxspatialgraph/view/SpatialGraphViewNode.h"
+
+namespace {
+
+// Cross-section of the legacy tubes: a circle of radius 0.5 in the plane
+// z = 1, every 30 degrees from (0.5, 0, 1), the first point repeated.
+const int kProfilePoints = 13;
+
+SbVec3f profilePoint(int i) {
+    if (i == kProfilePoints - 1) {
+        i = 0;
+    }
+    const float c[] = {0.5f,  0.4330127f,  0.25f,  0.0f, -0.25f, -0.4330127f,
+                       -0.5f, -0.4330127f, -0.25f, 0.0f, 0.25f,  0.4330127f};
+    return SbVec3f(c[i], c[(i + 9) % 12], 1.0f);
+}
+
+}  // namespace
+
+void SpatialGraphViewNode::getOrtho(int edge, bool closed, Vec3f** normals, Vec3f** binormals) const {
+    int n = 0;
+    const Vec3f* points = graph_ ? graph_->doGetEdgePoints(edge, n) : nullptr;
+    std::vector<Vec3f> ns, bs;
+    SoTubeSet::getOrtho(points, n, closed, ns, bs);
+    *normals = new Vec3f[ns.size()];
+    *binormals = new Vec3f[bs.size()];
+    std::copy(ns.begin(), ns.end(), *normals);
+    std::copy(bs.begin(), bs.end(), *binormals);
+}
+
+// ---------------------------------------------------------------------------
+// GPU tubes
+
+void SpatialGraphViewNode::makeTubes2(const SpatialGraphSelection* visible) {
+    if (!visible || !graph_) {
+        return;
+    }
+    removeTubes2();
+    int numEdges = graph_->doGetNumEdges();
+    tubeSet_->setNumLines(static_cast<unsigned int>(numEdges));
+    for (int e = 0; e < numEdges; ++e) {
+        int n = 0;
+        const Vec3f* points = graph_->doGetEdgePoints(e, n);
+        tubeSet_->setLine(static_cast<unsigned int>(e), n, points);
+    }
+    tubeSet_->visible.setAll(numEdges, false);
+    uint8_t* bits = tubeSet_->visible.startEditing();
+    for (int e = 0; e < std::min(numEdges, visible->getNumEdges()); ++e) {
+        bits[e] = visible->isSelectedEdge(e) ? 1 : 0;
+    }
+    tubeSet_->visible.finishEditing();
+    tubeSeparator_->addChild(tubeSet_);
+}
+
+void SpatialGraphViewNode::makeHighlightedTubes(const SpatialGraphSelection* highlighted,
+                                                const SpatialGraphSelection* visible) {
+    if (!highlighted || !visible) {
+        return;
+    }
+    int n = static_cast<int>(tubeSet_->getNumLines());
+    tubeSet_->highlighted.setAll(n, false);
+    uint8_t* bits = tubeSet_->highlighted.startEditing();
+    for (int e = 0; e < std::min({n, highlighted->getNumEdges(), visible->getNumEdges()}); ++e) {
+        bits[e] = highlighted->isSelectedEdge(e) && visible->isSelectedEdge(e) ? 1 : 0;
+    }
+    tubeSet_->highlighted.finishEditing();
+    tubeSet_->setHighlightColor(highlightColor_);
+}
+
+void SpatialGraphViewNode::removeTubes2() {
+    tubeSeparator_->removeAllChildren();  // the tube set itself is kept
+}
+
+void SpatialGraphViewNode::setTubeColorAttribute(const GraphAttribute* attr) {
+    if (!attr || !graph_) {
+        tubeSet_->setConstantColor(true);
+        tubeSet_->touch();
+        return;
+    }
+    tubeSet_->setConstantColor(false);
+    int numEdges = std::min(graph_->doGetNumEdges(), static_cast<int>(tubeSet_->getNumLines()));
+    if (const auto* points = dynamic_cast<const PointAttribute*>(attr)) {
+        tubeSet_->setColorPerLine(false);
+        auto* values = const_cast<PointAttribute*>(points);  // borrowed by the tube set, never written
+        for (int e = 0; e < numEdges; ++e) {
+            if (points->getPrimType().getType() == PrimType::FLOAT32) {
+                tubeSet_->setLineColors(static_cast<unsigned int>(e), values->floatDataAtPoint(e, 0));
+            } else {
+                tubeSet_->setLineColors(static_cast<unsigned int>(e), values->intDataAtPoint(e, 0));
+            }
+        }
+    } else {
+        tubeSet_->setColorPerLine(true);
+        // Deliberate: a float edge attribute sets per-line mode but passes no values.
+        if (attr->getPrimType().getType() == PrimType::INT32) {
+            tubeSet_->setUniformColorsPerLine(static_cast<const int*>(attr->dataPtr()));
+        }
+    }
+    tubeSet_->touch();
+}
+
+void SpatialGraphViewNode::setTubeScaleAttribute(const GraphAttribute* attr) {
+    const auto* radii = dynamic_cast<const PointAttribute*>(attr);
+    if (!radii || radii->getPrimType().getType() != PrimType::FLOAT32 || !graph_) {
+        tubeSet_->setConstantRadius(true);
+        tubeSet_->touch();
+        return;
+    }
+    tubeSet_->setConstantRadius(false);
+    auto* values = const_cast<PointAttribute*>(radii);  // borrowed by the tube set, never written
+    int numEdges = std::min(graph_->doGetNumEdges(), static_cast<int>(tubeSet_->getNumLines()));
+    for (int e = 0; e < numEdges; ++e) {
+        tubeSet_->setLineRadii(static_cast<unsigned int>(e), values->floatDataAtPoint(e, 0));
+    }
+    tubeSet_->touch();
+}
+
+void SpatialGraphViewNode::setTubeScaleFactor(float f) {
+    tubeSet_->setTubeScale(f);
+    tubeSet_->touch();
+}
+
+void SpatialGraphViewNode::setTubeConstantColor(const SbColor& c) {
+    tubeSet_->setUniformLineColor(c);
+    tubeSet_->touch();
+}
+
+void SpatialGraphViewNode::setTubeColormapDataWindow(float minValue, float maxValue) {
+    tubeSet_->setColormapDataWindow(minValue, maxValue);
+    tubeSet_->touch();
+}
+
+void SpatialGraphViewNode::setTubeColormap(const KxColormap* colormap) {
+    if (!colormap) {
+        return;
+    }
+    tubeSet_->setColormap(*colormap);
+    tubeSet_->setColormapDataWindow(colormap->getMinCoord(), colormap->getMaxCoord());
+    tubeSet_->setConstantColor(false);
+    tubeSet_->touch();
+}
+
+// ---------------------------------------------------------------------------
+// Legacy tubes
+
+void SpatialGraphViewNode::makeTubes(const SpatialGraphSelection* visible, const GraphAttribute* colorAttr,
+                                     const GraphAttribute* radiusAttr, float scale, bool noLabelColors) {
+    if (!visible || !graph_) {
+        return;
+    }
+    removeTubes();
+    const auto* radii = dynamic_cast<const PointAttribute*>(radiusAttr);
+    if (radii && radii->getPrimType().getType() != PrimType::FLOAT32) {
+        radii = nullptr;
+    }
+    const auto* pointColors = dynamic_cast<const PointAttribute*>(colorAttr);
+    bool labels = colorAttr && useLabels(colorAttr, noLabelColors);
+    HashTable<int, SbColor> table;
+    if (labels) {
+        createColorTable(colorAttr, table);
+    }
+    bool colourByValue = colorAttr && (labels || edgeColormapPort_);
+
+    auto* coords = new SoCoordinate3;
+    auto* faces = new SoIndexedFaceSet;
+    auto* material = new SoMaterial;
+    auto* binding = new SoMaterialBinding;
+    std::vector<SbVec3f> vertices;
+    std::vector<int32_t> coordIndex, materialIndex;
+    std::vector<SbColor> colours;
+    int numEdges = std::min(graph_->doGetNumEdges(), visible->getNumEdges());
+    for (int e = 0; e < numEdges; ++e) {
+        int m = 0;
+        const Vec3f* points = graph_->doGetEdgePoints(e, m);
+        if (!visible->isSelectedEdge(e) || m < 2) {
+            continue;
+        }
+        std::vector<Vec3f> normals, binormals;
+        SoTubeSet::getOrtho(points, m, false, normals, binormals);
+        const auto base = static_cast<int32_t>(vertices.size());
+        for (int i = 0; i < m; ++i) {
+            float r = radii ? std::max(radii->getFloatDataAtPoint(e, i), 0.0f) : 1.0f;
+            SbColor pointColour = pointColors && colourByValue
+                                      ? valueColor(colorAttr, e, i, labels, table, edgeColormapPort_)
+                                      : edgeDefaultColor_;
+            for (int j = 0; j < kProfilePoints; ++j) {
+                SbVec3f q = profilePoint(j) * scale;
+                SbVec3f offset = SbVec3f(normals[i]) * q[0] + SbVec3f(binormals[i]) * q[1];
+                vertices.push_back(SbVec3f(points[i]) + offset * r);
+                if (pointColors) {
+                    colours.push_back(pointColour);
+                }
+            }
+        }
+        if (!pointColors) {
+            SbColor tubeColour = colourByValue ? valueColor(colorAttr, e, 0, labels, table, edgeColormapPort_)
+                                               : edgeDefaultColor_;
+            colours.push_back(tubeColour);
+        }
+        // Quads between neighbouring rings, wound counter-clockwise seen from outside.
+        for (int i = 0; i + 1 < m; ++i) {
+            for (int j = 0; j + 1 < kProfilePoints; ++j) {
+                int32_t a = base + i * kProfilePoints + j, b = a + kProfilePoints;
+                coordIndex.insert(coordIndex.end(), {a, b, b + 1, a + 1, -1});
+                if (!pointColors) {
+                    materialIndex.push_back(static_cast<int32_t>(colours.size()) - 1);
+                }
+            }
+        }
+    }
+    coords->point.setValues(0, static_cast<int>(vertices.size()), vertices.data());
+    faces->coordIndex.setValues(0, static_cast<int>(coordIndex.size()), coordIndex.data());
+    if (colours.empty()) {
+        colours.push_back(edgeDefaultColor_);
+    }
+    material->diffuseColor.setValues(0, static_cast<int>(colours.size()), colours.data());
+    if (pointColors) {
+        binding->value = SoMaterialBinding::PER_VERTEX_INDEXED;
+        faces->materialIndex.setValues(0, static_cast<int>(coordIndex.size()), coordIndex.data());
+    } else {
+        binding->value = SoMaterialBinding::PER_FACE_INDEXED;
+        faces->materialIndex.setValues(0, static_cast<int>(materialIndex.size()), materialIndex.data());
+    }
+    auto* hints = new SoShapeHints;
+    hints->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
+    hints->shapeType = SoShapeHints::SOLID;
+    hints->creaseAngle = 0.8f;
+    for (SoNode* node :
+         {static_cast<SoNode*>(hints), static_cast<SoNode*>(material), static_cast<SoNode*>(binding),
+          static_cast<SoNode*>(coords), static_cast<SoNode*>(faces)}) {
+        legacyTubeSeparator_->addChild(node);
+    }
+}
+
+void SpatialGraphViewNode::removeTubes() {
+    // The legacy-tube separator keeps its own draw style as first child.
+    while (legacyTubeSeparator_->getNumChildren() > 1) {
+        legacyTubeSeparator_->removeChild(legacyTubeSeparator_->getNumChildren() - 1);
+    }
+}
