@@ -15,6 +15,10 @@ TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
     ASSERT_NE(object, nullptr);
     EXPECT_STREQ(object->getTypeName(), "KxSpatialGraph");
     EXPECT_STREQ(theClassRegistry->getPackage("KxSpatialGraph"), "kxspatialgraph");
+    for (const char* name : {"KxSpatialGraphInterface", "KxSpatialGraphInterfaceImpl",
+                             "KxSpatialGraphSelectionInterface", "KxSpatialGraphSelectionInterfaceImpl"}) {
+        EXPECT_STREQ(theClassRegistry->getPackage(name), "kxspatialgraph") << name;
+    }
 }
 
 // The example builds two neurons (x 0..10 and 20..30, y 0..6, z 0..1), merges
