@@ -1,7 +1,5 @@
 #include "kxspatialgraph/model/KxSpatialGraphInterfaceImpl.h"
 
-#include <algorithm>
-
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
 int KxSpatialGraphInterfaceImpl::doGetNumVertices() const {
@@ -92,9 +90,5 @@ SpatialGraphSelection KxSpatialGraphInterfaceImpl::doGetConnectedComponent(int v
     return graph_->getConnectedComponent(vertex);
 }
 void KxSpatialGraphInterfaceImpl::doGetBoundingBox(float* box) const {
-    // Through the spatial data's virtual box query, which the graph answers
-    // with its untransformed bounding box.
-    Box3f b;
-    static_cast<const KxSpatialData*>(graph_)->getBoundingBox(b);
-    std::copy(b.data(), b.data() + 6, box);
+    graph_->getBoundingBox(box);
 }
