@@ -13,6 +13,7 @@ class KxPortColormap;
 class KxSpatialGraphInterface;
 class SoDrawStyle;
 class SoLineSet;
+class SoNode;
 class SoPickedPoint;
 class SoPointSet;
 class SoSeparator;
