@@ -350,7 +350,7 @@ void SoTubeSet::generateTubeGeometry() {
     tubeCenters_.clear();
     tubeCenters_.reserve(totalPoints * k * 4);
     tubeIndices_.clear();
-    tubeIndices_.reserve(totalPoints * k * 2);
+    tubeIndices_.reserve(totalPoints * k * 2 + numLines_);
     firstIndex_.assign(numLines_, 0);
     indexCount_.assign(numLines_, 0);
     vertexBase_.assign(numLines_, 0);
@@ -382,6 +382,7 @@ void SoTubeSet::generateTubeGeometry() {
             }
         }
         indexCount_[line] = 2 * k * m;
+        tubeIndices_.push_back(kRestartIndex);
     }
 }
 
@@ -391,6 +392,9 @@ void SoTubeSet::generateCapGeometry() {
     capNormals_.assign(static_cast<size_t>(numLines_) * 2, Vec3f(0.0f, 0.0f, 1.0f));
     capRecords_.assign(static_cast<size_t>(numLines_) * 8, 0.0f);
     capColorValues_.assign(static_cast<size_t>(numLines_) * 2, 0.0f);
+    capVertexNormals_.assign(capVertices_.size(), Vec3f(0.0f, 0.0f, 1.0f));
+    capVertexCenters_.assign(capVertices_.size() * 4, 0.0f);
+    capVertexColors_.assign(capVertices_.size(), 0.0f);
     std::vector<Vec3f> normals, binormals;
     for (unsigned int line = 0; line < numLines_; ++line) {
         const int m = pointCounts_[line];
@@ -405,6 +409,7 @@ void SoTubeSet::generateCapGeometry() {
             if (outward.normalize() > 0.0f) {
                 capNormals_[2 * line + end] = outward;
             }
+            std::fill_n(&capVertexNormals_[capFirst(line, end)], k + 2, capNormals_[2 * line + end]);
             Vec3f* fan = &capVertices_[capFirst(line, end)];
             fan[0] = p[i];
             for (unsigned int j = 0; j <= k; ++j) {
@@ -427,6 +432,12 @@ void SoTubeSet::updateCapRadii() {
             capRecords_[8 * line + 3] = pointRadius(line, 0);
             capRecords_[8 * line + 7] = pointRadius(line, m - 1);
         }
+        for (int end = 0; end < 2; ++end) {
+            const float* record = getCapRecord(line, end);
+            for (unsigned int v = capFirst(line, end); v < capFirst(line, end) + complexity_ + 2; ++v) {
+                std::copy(record, record + 4, &capVertexCenters_[4 * static_cast<size_t>(v)]);
+            }
+        }
     }
 }
 
@@ -436,6 +447,9 @@ void SoTubeSet::updateCapColors() {
         if (m > 0) {
             capColorValues_[2 * line] = pointColorValue(line, 0);
             capColorValues_[2 * line + 1] = pointColorValue(line, m - 1);
+        }
+        for (int end = 0; end < 2; ++end) {
+            std::fill_n(&capVertexColors_[capFirst(line, end)], complexity_ + 2, capColorValues_[2 * line + end]);
         }
     }
 }

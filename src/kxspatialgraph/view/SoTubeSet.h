@@ -52,8 +52,14 @@ public:
         unsigned int radiusBuffer = 0;
         unsigned int colorBuffer = 0;
         unsigned int capBuffer = 0;
+        unsigned int capNormalBuffer = 0;
+        unsigned int capCenterBuffer = 0;
+        unsigned int capColorBuffer = 0;
         unsigned int colormapTexture = 0;
     };
+
+    // Ends each line's strip in the index buffer, so that runs of lines draw in one call.
+    static constexpr unsigned int kRestartIndex = 0xFFFFFFFFu;
 
     void setNumLines(unsigned int n);
     unsigned int getNumLines() const { return numLines_; }
@@ -142,6 +148,10 @@ private:
     // Which lines a draw pass takes (all visible ones, or split by the highlight bit).
     enum LinePass { ALL_LINES, SKIP_HIGHLIGHTED, ONLY_HIGHLIGHTED };
     bool drawsLine(unsigned int line, LinePass pass) const;
+    // Calls draw(first line, end line) for each run of consecutive lines that
+    // the pass takes and that share one colour, after setting that colour.
+    template <class Draw>
+    void forEachRun(LinePass pass, Draw draw);
     void GLRenderTubes(LinePass pass);
     void GLRenderCaps(LinePass pass);
 
@@ -188,4 +198,11 @@ private:
     std::vector<Vec3f> capNormals_;      // 2 per line
     std::vector<float> capRecords_;      // 8 per line
     std::vector<float> capColorValues_;  // 2 per line
+    // The cap records spread over every vertex of the fans, so that all caps
+    // of a run of lines draw in one call.
+    std::vector<Vec3f> capVertexNormals_;
+    std::vector<float> capVertexCenters_;  // 4 per cap vertex: centre, radius
+    std::vector<float> capVertexColors_;
+    std::vector<int> runFirsts_;
+    std::vector<int> runCounts_;
 };

@@ -28,14 +28,17 @@ void uploadBuffer(GLenum target, GLuint buffer, const std::vector<T>& data) {
 }  // namespace
 
 void SoTubeSet::GLInit(GLContextGroup& group) {
-    GLuint buffers[6];
-    glGenBuffers(6, buffers);
+    GLuint buffers[9];
+    glGenBuffers(9, buffers);
     group.tubeVertexBuffer = buffers[0];
     group.tubeIndexBuffer = buffers[1];
     group.centerBuffer = buffers[2];
     group.radiusBuffer = buffers[3];
     group.colorBuffer = buffers[4];
     group.capBuffer = buffers[5];
+    group.capNormalBuffer = buffers[6];
+    group.capCenterBuffer = buffers[7];
+    group.capColorBuffer = buffers[8];
     glGenTextures(1, &group.colormapTexture);
     glBindTexture(GL_TEXTURE_1D, group.colormapTexture);
     glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -54,12 +57,14 @@ void SoTubeSet::GLUploadTubeGeometry(GLContextGroup& group) {
 
 void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
     uploadBuffer(GL_ARRAY_BUFFER, group.capBuffer, capVertices_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.capNormalBuffer, capVertexNormals_);
 }
 
 // Radii and colour values go straight from the borrowed per-point arrays into
 // the mapped buffer, repeated for every side of the ring: no CPU copy is kept.
 void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
     group.radiiDirty = false;
+    uploadBuffer(GL_ARRAY_BUFFER, group.capCenterBuffer, capVertexCenters_);
     if (constantRadius_ || tubeVertices_.empty()) {
         return;
     }
@@ -84,6 +89,7 @@ void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
 
 void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
     group.colorsDirty = false;
+    uploadBuffer(GL_ARRAY_BUFFER, group.capColorBuffer, capVertexColors_);
     if (constantColor_ || colorPerLine_ || tubeVertices_.empty()) {
         return;
     }
@@ -195,18 +201,33 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     if (renderCaps_) {
         glBindBuffer(GL_ARRAY_BUFFER, group->capBuffer);
         glVertexPointer(3, GL_FLOAT, 0, nullptr);
+        glBindBuffer(GL_ARRAY_BUFFER, group->capNormalBuffer);
+        glEnableClientState(GL_NORMAL_ARRAY);
+        glNormalPointer(GL_FLOAT, 0, nullptr);
+        glBindBuffer(GL_ARRAY_BUFFER, group->capCenterBuffer);
+        glVertexAttribPointer(kCenterLocation, 4, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glEnableVertexAttribArray(kCenterLocation);
+        if (perPointColor) {
+            glBindBuffer(GL_ARRAY_BUFFER, group->capColorBuffer);
+            glVertexAttribPointer(kColorLocation, 1, GL_FLOAT, GL_FALSE, 0, nullptr);
+            glEnableVertexAttribArray(kColorLocation);
+        }
         macros.push_back("RENDER_CAPS");
         program_->setMacros(macros);
         if (program_->apply(contextId)) {
             GLRenderCaps(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
         }
         if (anyHighlighted) {
+            glDisableVertexAttribArray(kColorLocation);
             highlightMacros.push_back("RENDER_CAPS");
             program_->setMacros(highlightMacros);
             if (program_->apply(contextId)) {
                 GLRenderCaps(ONLY_HIGHLIGHTED);
             }
         }
+        glDisableVertexAttribArray(kCenterLocation);
+        glDisableVertexAttribArray(kColorLocation);
+        glDisableClientState(GL_NORMAL_ARRAY);
     }
     glDisableClientState(GL_VERTEX_ARRAY);
     if (perPointColor) {
@@ -227,33 +248,53 @@ bool SoTubeSet::drawsLine(unsigned int line, LinePass pass) const {
     return pass == ALL_LINES || (pass == ONLY_HIGHLIGHTED) == lit;
 }
 
-void SoTubeSet::GLRenderTubes(LinePass pass) {
-    for (unsigned int line = 0; line < numLines_; ++line) {
-        if (!drawsLine(line, pass)) {
-            continue;
+template <class Draw>
+void SoTubeSet::forEachRun(LinePass pass, Draw draw) {
+    unsigned int runStart = 0;
+    bool inRun = false;
+    SbColor runColor;
+    for (unsigned int line = 0; line <= numLines_; ++line) {
+        bool drawn = line < numLines_ && drawsLine(line, pass);
+        SbColor color = drawn && pass != SKIP_HIGHLIGHTED ? getLineColor(line) : SbColor(0, 0, 0);
+        if (inRun && (!drawn || color != runColor)) {
+            draw(runStart, line);
+            inRun = false;
         }
-        if (pass != SKIP_HIGHLIGHTED) {
-            glColor3fv(getLineColor(line).getValue());
+        if (drawn && !inRun) {
+            runStart = line;
+            runColor = color;
+            inRun = true;
+            if (pass != SKIP_HIGHLIGHTED) {
+                glColor3fv(color.getValue());
+            }
         }
-        glDrawElements(
-            GL_TRIANGLE_STRIP, static_cast<GLsizei>(indexCount_[line]), GL_UNSIGNED_INT,
-            reinterpret_cast<const void*>(static_cast<uintptr_t>(firstIndex_[line]) * sizeof(GLuint)));
     }
 }
 
+// Consecutive strips are separated by the restart index, so a run is one call.
+void SoTubeSet::GLRenderTubes(LinePass pass) {
+    glEnable(GL_PRIMITIVE_RESTART);
+    glPrimitiveRestartIndex(kRestartIndex);
+    forEachRun(pass, [this](unsigned int first, unsigned int end) {
+        unsigned int last = end - 1;
+        auto count = static_cast<GLsizei>(firstIndex_[last] + indexCount_[last] - firstIndex_[first]);
+        glDrawElements(GL_TRIANGLE_STRIP, count, GL_UNSIGNED_INT,
+                       reinterpret_cast<const void*>(static_cast<uintptr_t>(firstIndex_[first]) * sizeof(GLuint)));
+    });
+    glDisable(GL_PRIMITIVE_RESTART);
+}
+
 void SoTubeSet::GLRenderCaps(LinePass pass) {
-    for (unsigned int line = 0; line < numLines_; ++line) {
-        if (!drawsLine(line, pass)) {
-            continue;
+    forEachRun(pass, [this](unsigned int first, unsigned int end) {
+        runFirsts_.clear();
+        runCounts_.clear();
+        for (unsigned int line = first; line < end; ++line) {
+            for (int e = 0; e < 2; ++e) {
+                runFirsts_.push_back(static_cast<int>(capFirst(line, e)));
+                runCounts_.push_back(complexity_ + 2);
+            }
         }
-        if (pass != SKIP_HIGHLIGHTED) {
-            glColor3fv(getLineColor(line).getValue());
-        }
-        for (int end = 0; end < 2; ++end) {
-            glVertexAttrib4fv(kCenterLocation, getCapRecord(line, end));
-            glVertexAttrib1f(kColorLocation, getCapColorValue(line, end));
-            glNormal3fv(capNormals_[2 * line + end].data());
-            glDrawArrays(GL_TRIANGLE_FAN, static_cast<GLint>(capFirst(line, end)), complexity_ + 2);
-        }
-    }
+        glMultiDrawArrays(GL_TRIANGLE_FAN, runFirsts_.data(), runCounts_.data(),
+                          static_cast<GLsizei>(runFirsts_.size()));
+    });
 }
