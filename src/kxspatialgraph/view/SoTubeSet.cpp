@@ -449,7 +449,8 @@ void SoTubeSet::updateCapColors() {
             capColorValues_[2 * line + 1] = pointColorValue(line, m - 1);
         }
         for (int end = 0; end < 2; ++end) {
-            std::fill_n(&capVertexColors_[capFirst(line, end)], complexity_ + 2, capColorValues_[2 * line + end]);
+            std::fill_n(&capVertexColors_[capFirst(line, end)], complexity_ + 2,
+                        capColorValues_[2 * line + end]);
         }
     }
 }

@@ -278,8 +278,9 @@ void SoTubeSet::GLRenderTubes(LinePass pass) {
     forEachRun(pass, [this](unsigned int first, unsigned int end) {
         unsigned int last = end - 1;
         auto count = static_cast<GLsizei>(firstIndex_[last] + indexCount_[last] - firstIndex_[first]);
-        glDrawElements(GL_TRIANGLE_STRIP, count, GL_UNSIGNED_INT,
-                       reinterpret_cast<const void*>(static_cast<uintptr_t>(firstIndex_[first]) * sizeof(GLuint)));
+        glDrawElements(
+            GL_TRIANGLE_STRIP, count, GL_UNSIGNED_INT,
+            reinterpret_cast<const void*>(static_cast<uintptr_t>(firstIndex_[first]) * sizeof(GLuint)));
     });
     glDisable(GL_PRIMITIVE_RESTART);
 }
