@@ -1,0 +1,192 @@
+// Runs the built korva executable and checks its exit status and output.
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "support/TempDir.h"
+
+namespace {
+
+struct KorvaRun {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string quote(const std::string& s) {
+    std::string q = "'";
+    for (char c : s) {
+        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return q + "'";
+}
+
+std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+int count(const std::string& text, const std::string& what) {
+    int n = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++n;
+    }
+    return n;
+}
+
+class KorvaTest : public ::testing::Test {
+protected:
+    // Runs korva with the arguments in the test's directory; stdin from the
+    // given text (not a terminal), with the test package when asked.
+    KorvaRun korva(const std::vector<std::string>& args, const std::string& input = "",
+                   bool testPackage = false) {
+        std::string in = dir_.path(".stdin"), out = dir_.path(".stdout"), err = dir_.path(".stderr");
+        std::ofstream(in) << input;
+        std::string command = "cd " + quote(dir_.path()) + " && ";
+        if (testPackage) {
+            command +=
+                "KORVA_PACKAGE_PATH=" + quote(KORVA_TEST_PACKAGE_DIR) + " KORVA_PACKAGES=kxtestpackage ";
+        }
+        command += quote(std::string(KORVA_BINARY_DIR) + "/bin/korva");
+        for (const std::string& a : args) {
+            command += " " + quote(a);
+        }
+        command += " <" + quote(in) + " >" + quote(out) + " 2>" + quote(err);
+        int raw = std::system(command.c_str());
+        KorvaRun run{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(out), readFile(err)};
+        std::remove(in.c_str());
+        std::remove(out.c_str());
+        std::remove(err.c_str());
+        return run;
+    }
+
+    std::string write(const std::string& name, const std::string& contents) {
+        std::string path = dir_.path(name);
+        std::ofstream(path, std::ios::binary) << contents;
+        return path;
+    }
+
+    TempDir dir_;
+};
+
+}  // namespace
+
+TEST_F(KorvaTest, ScriptGetsItsArgumentsAndAFailingScriptExitsNonZeroWithTheMessage) {
+    write("ok.tcl", "puts \"$argc [lindex $argv 1] [file tail $argv0]\"\n");
+    KorvaRun ok = korva({"ok.tcl", "one", "two words"});
+    EXPECT_EQ(ok.status, 0) << ok.err;
+    EXPECT_EQ(ok.out, "2 two words ok.tcl\n");
+    EXPECT_EQ(ok.err, "");
+
+    write("fail.tcl", "puts before\nproc f {} { error \"it broke\" }\nf\nputs after\n");
+    KorvaRun fail = korva({"fail.tcl"});
+    EXPECT_EQ(fail.status, 1);
+    EXPECT_EQ(fail.out, "before\n");
+    EXPECT_EQ(fail.err.compare(0, 23, "Error: it broke\n    whi"), 0) << fail.err;
+    EXPECT_NE(fail.err.find("(file \"fail.tcl\" line 3)"), std::string::npos) << fail.err;
+
+    KorvaRun missing = korva({"nothing.tcl"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err.compare(0, 45, "Error: couldn't read file \"nothing.tcl\": no s"), 0)
+        << missing.err;
+}
+
+TEST_F(KorvaTest, CommandsRunWithDashC) {
+    KorvaRun run = korva({"-c", "puts hello; expr {6 * 7}"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "hello\n42\n");
+    KorvaRun bad = korva({"-c", "nosuchcommand"});
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.err.compare(0, 44, "Error: invalid command name \"nosuchcommand\"\n"), 0) << bad.err;
+    EXPECT_EQ(korva({"-c"}).status, 2);
+}
+
+TEST_F(KorvaTest, LoadOfUnknownOrMissingFilesGivesOneErrorLine) {
+    write("data.xyz", "something");
+    KorvaRun unknown = korva({"-c", "load data.xyz"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(count(unknown.err, "Error: unknown file format of data.xyz"), 1) << unknown.err;
+
+    KorvaRun missing = korva({"-c", "load gone.swc"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(count(missing.err, "Error: cannot read file gone.swc: No such file or directory"), 1)
+        << missing.err;
+
+    // A script may catch the failure and go on; the line is still shown.
+    KorvaRun caught = korva({"-c", "if {[catch {load data.xyz} msg]} { puts \"caught: $msg\" }"});
+    EXPECT_EQ(caught.status, 0) << caught.err;
+    EXPECT_EQ(caught.out, "caught: Error: unknown file format of data.xyz\n");
+    EXPECT_EQ(caught.err, "Error: unknown file format of data.xyz\n");
+}
+
+TEST_F(KorvaTest, ConsoleReadsCommandsFromStdinWhenItIsNotATerminal) {
+    KorvaRun run = korva(
+        {}, "create KxData notes\nputs [all]\nnotes setParameters {\"n\" int 3}\nputs [notes parameters]\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "notes\n\"n\" int 3\n\n");
+    EXPECT_EQ(run.err, "");
+    KorvaRun failing = korva({}, "puts one\nerror two\nputs three\n");
+    EXPECT_EQ(failing.status, 1);
+    EXPECT_EQ(failing.out, "one\n");
+}
+
+TEST_F(KorvaTest, QuitEndsTheSessionWithItsCode) {
+    KorvaRun run = korva({"-c", "puts bye; create KxData d; quit 3; puts never"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "bye\n");
+    EXPECT_EQ(korva({"-c", "quit"}).status, 0);
+}
+
+TEST_F(KorvaTest, InfoAndConvertGoThroughThePackagesFormats) {
+    write("memo", "KXNOTE\nbuy milk");
+    KorvaRun info = korva({"info", "memo"}, "", true);
+    EXPECT_EQ(info.status, 0) << info.err;
+    EXPECT_NE(info.out.find("Data Class: KxTestNote\n"), std::string::npos) << info.out;
+    EXPECT_NE(info.out.find("Text:       buy milk\n"), std::string::npos) << info.out;
+
+    KorvaRun convert = korva({"convert", "memo", "copy.note"}, "", true);
+    EXPECT_EQ(convert.status, 0) << convert.err;
+    EXPECT_EQ(readFile(dir_.path("copy.note")), "KXNOTE\nbuy milk");
+
+    KorvaRun noWriter = korva({"convert", "memo", "copy.png"}, "", true);
+    EXPECT_EQ(noWriter.status, 1);
+    EXPECT_EQ(noWriter.err, "Error: no format writes KxTestNote to files named like copy.png\n");
+
+    KorvaRun unknown = korva({"info", "copy.png"}, "", true);
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.err, "Error: cannot read file copy.png: No such file or directory\n");
+}
+
+TEST_F(KorvaTest, LoadAndSaveFromAScript) {
+    write("memo.note", "KXNOTE\nhello");
+    write("old.note", "KXNOTE\nold");
+    write("session.tcl",
+          "set n [load memo.note]\n"
+          "puts \"$n [$n getTypeName]\"\n"
+          "save {Test note} $n new.note\n"
+          "puts [catch {save {Test note} nobody x.note} msg]:$msg\n"
+          "remove $n\n"
+          "puts [all]|\n");
+    KorvaRun run = korva({"session.tcl"}, "", true);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "memo.note KxTestNote\n1:Error: no data object \"nobody\"\n|\n");
+    EXPECT_EQ(readFile(dir_.path("new.note")), "KXNOTE\nhello");
+    EXPECT_EQ(readFile(dir_.path("old.note")), "KXNOTE\nold");
+    KorvaRun help = korva({"-c", "help"}, "", true);
+    EXPECT_NE(help.out.find("  Test note (.note read write)\n"), std::string::npos) << help.out;
+    EXPECT_NE(help.out.find("  KxTestNote\n"), std::string::npos) << help.out;
+}
+
+TEST_F(KorvaTest, UsageListsTheSubcommands) {
+    KorvaRun run = korva({"--help"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.out.find("korva convert IN OUT"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("korva info FILE ..."), std::string::npos) << run.out;
+}

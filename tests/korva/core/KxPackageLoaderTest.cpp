@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxData.h"
+#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/core/KxInfoTags.h"
+#include "korva/core/KxMessageCapture.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/core/KxPackageLoader.h"
+#include "support/TempDir.h"
+
+namespace {
+
+// The test package's count of init calls, asked through its own library.
+int testPackageInitCalls() {
+    std::string path = thePackageLoader->getLibraryPath("kxtestpackage");
+    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (!handle) {
+        return -1;
+    }
+    auto calls = reinterpret_cast<int (*)()>(dlsym(handle, "kxtestpackage_initCalls"));
+    int n = calls ? calls() : -1;
+    dlclose(handle);
+    return n;
+}
+
+void loadTestPackage() {
+    thePackageLoader->addSearchDir(KORVA_TEST_PACKAGE_DIR);
+    KxMessageCapture capture;
+    ASSERT_TRUE(thePackageLoader->load("kxtestpackage")) << capture.text();
+    EXPECT_EQ(capture.lines().size(), 0u) << capture.text();
+}
+
+}  // namespace
+
+TEST(KxPackageLoaderTest, LoadsOnceRegistersClassesAndFormats) {
+    loadTestPackage();
+    EXPECT_TRUE(thePackageLoader->load("kxtestpackage"));
+    EXPECT_EQ(testPackageInitCalls(), 1);
+    EXPECT_TRUE(thePackageLoader->isLoaded("kxtestpackage"));
+
+    EXPECT_STREQ(theClassRegistry->getPackage("KxTestNote"), "kxtestpackage");
+    const KxFileFormat* format = theFileFormats->find("Test note");
+    ASSERT_NE(format, nullptr);
+    EXPECT_EQ(format->package, "kxtestpackage");
+    EXPECT_EQ(format->extensions, std::vector<std::string>{"note"});
+    EXPECT_TRUE(format->read && format->write && format->check);
+
+    std::string resources = thePackageLoader->getResourceDir("kxtestpackage");
+    EXPECT_TRUE(std::ifstream(resources + "/kxtestpackage.rc").good()) << resources;
+}
+
+TEST(KxPackageLoaderTest, ResolvedFunctionsReadAndWriteThroughTheRegistry) {
+    loadTestPackage();
+    TempDir dir;
+    // Chosen by content: the name has no extension.
+    std::string in = dir.path("memo");
+    std::ofstream(in) << "KXNOTE\nremember the milk";
+    std::vector<KxObject*> created;
+    KxMessageCapture capture;
+    ASSERT_TRUE(theFileFormats->load(in.c_str(), created, *theObjectPool)) << capture.text();
+    ASSERT_EQ(created.size(), 1u);
+    KxData* note = dynamic_cast<KxData*>(created[0]);
+    ASSERT_NE(note, nullptr);
+    EXPECT_STREQ(note->getTypeName(), "KxTestNote");
+    EXPECT_STREQ(note->getLabel(), "memo");
+    KxInfoTags tags;
+    note->info(tags);
+    EXPECT_STREQ(tags.find("Text:"), "remember the milk");
+
+    std::string out = dir.path("copy.note");
+    const KxFileFormat* writer = theFileFormats->findWriter(out.c_str(), note);
+    ASSERT_NE(writer, nullptr);
+    ASSERT_TRUE(theFileFormats->save(*writer, note, out.c_str())) << capture.text();
+    std::ifstream copy(out);
+    EXPECT_EQ(std::string((std::istreambuf_iterator<char>(copy)), std::istreambuf_iterator<char>()),
+              "KXNOTE\nremember the milk");
+    theObjectPool->remove(note);
+
+    // A .note file without the header is rejected by the check before the reader runs.
+    std::string bad = dir.path("bad.note");
+    std::ofstream(bad) << "no header";
+    EXPECT_FALSE(theFileFormats->load(bad.c_str(), created, *theObjectPool));
+    EXPECT_TRUE(capture.contains("Error: unknown file format of " + bad)) << capture.text();
+}
+
+TEST(KxPackageLoaderTest, TheSpatialGraphPackageIsFoundBesideTheHostLibrary) {
+    KxMessageCapture capture;
+    EXPECT_TRUE(thePackageLoader->load("kxspatialgraph")) << capture.text();
+    EXPECT_EQ(thePackageLoader->getLibraryPath("kxspatialgraph"),
+              KxPackageLoader::hostLibraryDir() + "/libkxspatialgraph.so");
+}
+
+TEST(KxPackageLoaderTest, MissingPackagesAndBadNamesFailWithAnErrorLine) {
+    struct Case {
+        const char* name;
+        const char* error;
+    };
+    const Case cases[] = {
+        {"kxnosuchpackage",
+         "Error: package kxnosuchpackage not found (no libkxnosuchpackage.so beside libkorva or on "
+         "KORVA_PACKAGE_PATH)"},
+        {"../kxspatialgraph", "Error: \"../kxspatialgraph\" is not a package name"},
+        {"", "Error: \"\" is not a package name"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        KxMessageCapture capture;
+        EXPECT_FALSE(thePackageLoader->load(c.name));
+        EXPECT_EQ(capture.lines(), std::vector<std::string>{c.error});
+        EXPECT_FALSE(thePackageLoader->isLoaded(c.name));
+    }
+}
