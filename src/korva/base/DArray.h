@@ -34,29 +34,39 @@ public:
     T* dataPtr() { return data_.data(); }
     const T* dataPtr() const { return data_.data(); }
 
+    // value may be an element of this array: it is copied before the buffer can move.
     void append(const T& value) {
-        growForAppend(1);
+        if (needsGrowth(1)) {
+            T copy = value;
+            growForAppend(1);
+            data_.push_back(std::move(copy));
+            return;
+        }
         data_.push_back(value);
     }
     void append(T&& value) {
         growForAppend(1);
         data_.push_back(std::move(value));
     }
-    void append(int n, const T* values) {
-        growForAppend(n);
-        data_.insert(data_.end(), values, values + n);
-    }
+    void append(int n, const T* values) { insert(size(), n, values); }
     void append(const DArray& other) { append(other.size(), other.dataPtr()); }
 
     // Inserts before index i (i == size() appends).
     void insert(int i, const T& value) {
         assert(i >= 0 && i <= size());
+        T copy = value;
         growForAppend(1);
-        data_.insert(data_.begin() + i, value);
+        data_.insert(data_.begin() + i, std::move(copy));
     }
+    // values may point into this array.
     void insert(int i, int n, const T* values) {
-        assert(i >= 0 && i <= size());
-        growForAppend(n);
+        assert(i >= 0 && i <= size() && n >= 0);
+        if (needsGrowth(n) || (values >= dataPtr() && values < dataPtr() + size())) {
+            std::vector<T> copy(values, values + n);
+            growForAppend(n);
+            data_.insert(data_.begin() + i, copy.begin(), copy.end());
+            return;
+        }
         data_.insert(data_.begin() + i, values, values + n);
     }
 
@@ -98,6 +108,8 @@ public:
     const std::vector<T>& std() const { return data_; }
 
 private:
+    bool needsGrowth(int extra) const { return data_.size() + static_cast<size_t>(extra) > data_.capacity(); }
+
     void growForAppend(int extra) {
         size_t needed = data_.size() + static_cast<size_t>(extra);
         if (needed <= data_.capacity()) {

@@ -75,3 +75,72 @@ TEST(SmallArrayTest, CopiesAndMovesInBothStates) {
     EXPECT_EQ(c[1], 8);
     EXPECT_EQ(c[2], 7);
 }
+
+TEST(DArrayTest, BulkAppendAndInsertGrowToWhatIsNeededAtLeast) {
+    DArray<int> a{1, 2, 3, 4};  // capacity 4
+    int more[] = {5, 6, 7};
+    a.append(3, more);  // max(floor(4 * 1.5), 7) = 7
+    EXPECT_EQ(a.capacity(), 7);
+    a.insert(0, 1, more);  // max(floor(7 * 1.5), 8) = 10
+    EXPECT_EQ(a.capacity(), 10);
+    EXPECT_EQ(a, (DArray<int>{5, 1, 2, 3, 4, 5, 6, 7}));
+    a.reserve(100);
+    a.append(9);
+    EXPECT_EQ(a.capacity(), 100) << "reserve is kept";
+}
+
+TEST(DArrayTest, AppendingOwnElementsSurvivesReallocation) {
+    // Copies of the array's own elements must be taken before its buffer moves.
+    DArray<std::string> a;
+    a.append(std::string(40, 'x'));
+    for (int i = 0; i < 20; ++i) {
+        a.append(a[0]);
+        a.insert(0, a[a.size() - 1]);
+    }
+    EXPECT_EQ(a.size(), 41);
+    for (const std::string& s : a) {
+        EXPECT_EQ(s, std::string(40, 'x'));
+    }
+    DArray<int> b{1, 2, 3};
+    b.append(b.size(), b.dataPtr());
+    b.insert(1, 2, b.dataPtr() + 4);
+    EXPECT_EQ(b, (DArray<int>{1, 2, 3, 2, 3, 1, 2, 3}));
+}
+
+TEST(SmallArrayTest, ResizeCrossesBetweenInlineAndHeapBothWays) {
+    SmallArray<int, 2> s;
+    s.resize(5);
+    EXPECT_FALSE(s.isInline());
+    EXPECT_EQ(s.capacity(), 5);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(s[i], 0) << "new elements are zero";
+        s[i] = 10 + i;
+    }
+    s.resize(2);
+    EXPECT_TRUE(s.isInline());
+    EXPECT_EQ(s.capacity(), 2);
+    EXPECT_EQ(s[0], 10);
+    EXPECT_EQ(s[1], 11);
+    s.resize(3);
+    EXPECT_EQ(s[2], 0) << "a regrown element does not bring back an old value";
+    s.clear();
+    EXPECT_TRUE(s.isInline());
+    EXPECT_EQ(s.size(), 0);
+}
+
+TEST(SmallArrayTest, AppendAndInsertOfOwnElementAtTheInlineBoundary) {
+    SmallArray<int, 2> s;
+    s.append(7);
+    s.append(8);
+    s.append(s[0]);  // moves to the heap while reading its inline element
+    EXPECT_EQ(s.size(), 3);
+    EXPECT_EQ(s[2], 7);
+    s.remove(0);
+    s.insert(0, s[1]);  // full inline array of 2 again after the removal
+    EXPECT_FALSE(s.isInline());
+    EXPECT_EQ(s[0], 7);
+    EXPECT_EQ(s[1], 8);
+    EXPECT_EQ(s[2], 7);
+    EXPECT_EQ(s.find(8), 1);
+    EXPECT_EQ(s.find(9), -1);
+}
