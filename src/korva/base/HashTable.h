@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -162,8 +163,10 @@ bool HashTable<K, V>::insert(const K& key, const V& value) {
     if (findEntry(key) >= 0) {
         return false;
     }
-    // Keep the load (alive entries and removal markers) under one half.
-    if ((numUsedSlots_ + 1) * 2 > slots_.size()) {
+    // Keep the load (alive entries and removal markers) under one half. Dead
+    // entries count too: inserting and removing one key again and again reuses
+    // its slot but appends a new entry each time, and the rebuild drops them.
+    if ((std::max(numUsedSlots_, entries_.size()) + 1) * 2 > slots_.size()) {
         size_t slotCount = 16;
         while (slotCount < static_cast<size_t>(numAlive_ + 1) * 4) {
             slotCount *= 2;

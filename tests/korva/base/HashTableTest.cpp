@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "korva/base/HashTable.h"
+
+TEST(HashTableTest, IterationFollowsInsertionOrderThroughRemovalsAndRehashes) {
+    HashTable<int, int> t;
+    std::vector<int> expected;
+    // Keys whose hashes scatter; enough of them for several rehashes.
+    for (int i = 0; i < 1000; ++i) {
+        int key = (i * 7919) % 1009 - 500;
+        ASSERT_TRUE(t.insert(key, i));
+        expected.push_back(key);
+    }
+    EXPECT_FALSE(t.insert(expected[10], -1)) << "a present key is not inserted again";
+    EXPECT_EQ(*t.lookup(expected[10]), 10);
+    for (int i = 0; i < 1000; i += 3) {
+        ASSERT_TRUE(t.remove(expected[static_cast<size_t>(i)]));
+    }
+    EXPECT_FALSE(t.remove(expected[0]));
+    std::vector<int> survivors;
+    for (int i = 0; i < 1000; ++i) {
+        if (i % 3 != 0) {
+            survivors.push_back(expected[static_cast<size_t>(i)]);
+        }
+    }
+    EXPECT_EQ(t.keys(), survivors);
+    // A removed key inserted again goes to the end; enough inserts to rebuild.
+    t.insert(expected[0], 0);
+    survivors.push_back(expected[0]);
+    for (int i = 0; i < 2000; ++i) {
+        t.insert(10000 + i, i);
+        survivors.push_back(10000 + i);
+    }
+    EXPECT_EQ(t.keys(), survivors);
+    EXPECT_EQ(t.size(), static_cast<int>(survivors.size()));
+    for (size_t i = 0; i < survivors.size(); ++i) {
+        ASSERT_TRUE(t.contains(survivors[i])) << survivors[i];
+    }
+}
+
+TEST(HashTableTest, RepeatedInsertAndRemoveOfOneKeyKeepsWorking) {
+    HashTable<int, int> t;
+    t.insert(1, 1);
+    for (int i = 0; i < 20000; ++i) {
+        ASSERT_TRUE(t.insert(2, i));
+        ASSERT_TRUE(t.remove(2));
+    }
+    t.insert(3, 3);
+    EXPECT_EQ(t.keys(), (std::vector<int>{1, 3}));
+}
+
+TEST(HashTableTest, StringKeysAreCopied) {
+    HashTable<const char*, int> t;
+    char buffer[16];
+    std::strcpy(buffer, "alpha");
+    t.insert(buffer, 1);
+    std::strcpy(buffer, "beta");
+    t.insert(buffer, 2);
+    std::strcpy(buffer, "zzzz");
+    EXPECT_EQ(*t.lookup("alpha"), 1);
+    EXPECT_EQ(*t.lookup("beta"), 2);
+    EXPECT_EQ(t.lookup("zzzz"), nullptr);
+    std::vector<std::string> keys;
+    t.forEach([&](const char* key, int) { keys.push_back(key); });
+    EXPECT_EQ(keys, (std::vector<std::string>{"alpha", "beta"}));
+}
+
+TEST(HashTableTest, HashesAreFixedFunctionsOfTheKey) {
+    // FNV-1a of the bytes: the same on every platform and every run.
+    EXPECT_EQ(HashKeyTraits<const char*>::hash("a"), 0xaf63dc4c8601ec8cull);
+    EXPECT_EQ(HashKeyTraits<std::string>::hash(std::string("a")), 0xaf63dc4c8601ec8cull);
+    EXPECT_EQ(HashKeyTraits<int>::hash(0), 0u);
+}
+
+TEST(HashTableTest, SetLookupAndClear) {
+    HashTable<std::string, int> t;
+    t.set("a", 1);
+    t.set("a", 2);
+    int v = 0;
+    EXPECT_TRUE(t.lookup("a", v));
+    EXPECT_EQ(v, 2);
+    EXPECT_FALSE(t.lookup("b", v));
+    EXPECT_EQ(v, 2) << "a failed lookup leaves the output alone";
+    t.remove("a");
+    EXPECT_TRUE(t.isEmpty());
+    t.set("b", 3);
+    t.clear();
+    EXPECT_EQ(t.size(), 0);
+    EXPECT_EQ(t.lookup("b"), nullptr);
+    EXPECT_EQ(t.values(), std::vector<int>{});
+}
