@@ -23,10 +23,20 @@ void KxData::fire() {
         return;
     }
     touched_ = 0;
-    // Listeners may add or remove listeners: call a snapshot.
-    auto listeners = listeners_;
-    for (auto& entry : listeners) {
-        entry.second(*this, mask);
+    // Listeners may add or remove listeners (an owner may die in a listener):
+    // call those registered when the fire began that are still registered.
+    std::vector<int> ids;
+    for (const auto& entry : listeners_) {
+        ids.push_back(entry.first);
+    }
+    for (int id : ids) {
+        for (const auto& entry : listeners_) {
+            if (entry.first == id) {
+                Listener listener = entry.second;
+                listener(*this, mask);
+                break;
+            }
+        }
     }
 }
 

@@ -45,7 +45,8 @@ public:
     void touch(unsigned int mask = ALL_PARTS);
     unsigned int getTouchMask() const { return touched_; }
     // Tells every listener what was touched since the last fire, then clears the mask.
-    // Does nothing when nothing was touched.
+    // Does nothing when nothing was touched. A listener removed during a fire is
+    // not called any more; one added during a fire hears the next one.
     void fire();
     int addListener(Listener listener);
     void removeListener(int id);
