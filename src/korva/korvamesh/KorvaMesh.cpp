@@ -2,9 +2,18 @@
 
 #include <cstring>
 
+#include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/korvamesh/KorvaMeshReader.h"
 #include "korva/korvamesh/KorvaMeshWriter.h"
+
+namespace {
+// The registry learns KorvaMesh content types when the library is loaded.
+const bool gProbeRegistered = [] {
+    theFileFormats->addContentProbe(&KorvaMesh::probeContentType);
+    return true;
+}();
+}  // namespace
 
 KorvaMesh::KorvaMesh() = default;
 KorvaMesh::~KorvaMesh() = default;
@@ -105,4 +114,8 @@ std::unique_ptr<KorvaMesh> KorvaMesh::readFromMemory(const char* bytes, size_t s
 
 bool KorvaMesh::hasSignature(const char* bytes, size_t size) {
     return KorvaMeshReader::hasSignature(bytes, size);
+}
+
+bool KorvaMesh::probeContentType(const char* header, int length, std::string& contentType) {
+    return length > 0 && KorvaMeshReader::probeContentType(header, static_cast<size_t>(length), contentType);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "korva/base/PrimType.h"
@@ -117,6 +118,11 @@ public:
     static std::unique_ptr<KorvaMesh> readFromMemory(const char* bytes, size_t size, const char* name);
     // True if bytes start like a KorvaMesh file (cheap test for format detection).
     static bool hasSignature(const char* bytes, size_t size);
+    // The "ContentType" string parameter, found in the start of a file (as
+    // much of it as is given) without reading the rest; false if the bytes are
+    // not of a KorvaMesh file or the parameter is not among them. The host's
+    // file-format registry uses this to choose a reader.
+    static bool probeContentType(const char* header, int length, std::string& contentType);
 
 private:
     friend class KorvaMeshReader;

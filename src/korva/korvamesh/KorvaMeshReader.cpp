@@ -147,6 +147,16 @@ std::unique_ptr<KorvaMesh> KorvaMeshReader::readFile(const char* filename) {
     return mesh;
 }
 
+bool KorvaMeshReader::probeContentType(const char* bytes, size_t size, std::string& contentType) {
+    if (!hasSignature(bytes, size)) {
+        return false;
+    }
+    KorvaMesh unused;
+    KorvaMeshReader reader(bytes, size, "", unused, false);
+    reader.p_ += std::strlen(KorvaMeshFormat::kSignature);
+    return reader.findContentType(contentType);
+}
+
 KorvaMeshReader::KorvaMeshReader(const char* bytes, size_t size, const char* name, KorvaMesh& mesh,
                                  bool inPlace)
     : begin_(bytes), end_(bytes + size), p_(bytes), name_(name), mesh_(mesh), inPlace_(inPlace) {}
@@ -300,6 +310,44 @@ bool KorvaMeshReader::parseHeader() {
         return fail("header line %d: \"end\" must stand alone on its line.", lineAt(p_ - 1));
     }
     return true;
+}
+
+// Walks the top level of the parameter block, which comes first in the
+// header, for `"ContentType" string "..."`, skipping other parameters and
+// sub-bundles token by token, so that a header cut short still answers.
+bool KorvaMeshReader::findContentType(std::string& contentType) {
+    std::string word, name;
+    if (next(word) != WORD || next(word) != WORD || next(word) != WORD || word != "parameters" ||
+        next(word) != OPEN) {
+        return false;
+    }
+    int depth = 1;
+    while (true) {
+        Token t = next(name);
+        if (t == OPEN || t == CLOSE) {
+            depth += t == OPEN ? 1 : -1;
+            if (depth == 0) {
+                return false;
+            }
+            continue;
+        }
+        if (t == END || t == BAD) {
+            return false;
+        }
+        if (t != QUOTED || depth != 1) {
+            continue;
+        }
+        // A parameter: its kind, then one quoted string or numbers.
+        const char* afterName = p_;
+        if (next(word) != WORD) {
+            p_ = afterName;
+            continue;
+        }
+        if (word == "string" && next(word) == QUOTED && name == "ContentType") {
+            contentType = word;
+            return true;
+        }
+    }
 }
 
 bool KorvaMeshReader::parseParameters() {

@@ -24,6 +24,8 @@ public:
     // Parses bytes that the caller keeps; name appears in messages.
     static std::unique_ptr<KorvaMesh> readMemory(const char* bytes, size_t size, const char* name);
     static bool hasSignature(const char* bytes, size_t size);
+    // See KorvaMesh::probeContentType.
+    static bool probeContentType(const char* bytes, size_t size, std::string& contentType);
 
 private:
     // One "array" line of the header, waiting for its data.
@@ -42,6 +44,7 @@ private:
     // caller has handed to the mesh.
     KorvaMeshReader(const char* bytes, size_t size, const char* name, KorvaMesh& mesh, bool inPlace);
     bool parse();
+    bool findContentType(std::string& contentType);
 
     bool parseHeader();
     bool parseParameters();

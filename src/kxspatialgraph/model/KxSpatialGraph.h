@@ -257,6 +257,18 @@ public:
     bool hasFixedBoundingBox() const { return hasFixedBox_; }
     const Box3f& getStoredBoundingBox() const { return fixedBox_; }
 
+    // ---- KorvaMesh files (KxSpatialGraphKorvaMesh.cpp) ----------------------
+    // Writes the graph in the KorvaMesh layout of docs/korvamesh.md, ASCII
+    // when ascii is non-zero, else binary (zlib-compressed arrays when compress
+    // is non-zero), then takes filename as load command and counts as saved.
+    // Deliberate: an inconsistent graph gets "Error: Inconsistent
+    // spatialgraph!!!" and is written anyway. 0 after an error line when the
+    // file cannot be written (the old file then stays as it was), else 1.
+    int saveKorvaMeshInternal(const char* filename, int ascii, int compress = 0);
+    int saveKorvaMeshASCII(const char* filename) { return saveKorvaMeshInternal(filename, 1); }
+    int saveKorvaMeshBinary(const char* filename) { return saveKorvaMeshInternal(filename, 0); }
+    int saveKorvaMesh(const char* filename) { return saveKorvaMeshInternal(filename, 0); }
+
     // ==== Copy, merge, transform, bounding boxes, range sets, console commands ====
     // Implemented in KxSpatialGraphCopy.cpp, KxSpatialGraphTransform.cpp and
     // KxSpatialGraphCommands.cpp.

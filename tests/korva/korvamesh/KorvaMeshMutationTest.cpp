@@ -10,7 +10,7 @@ namespace {
 // accepted silently or refused with exactly one error line, and never crash
 // (the sanitizer build runs this too).
 TEST(KorvaMeshMutationTest, DamagedFilesNeverCrashTheReader) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMeshSample sample;
     const struct {
         const char* name;
@@ -19,7 +19,7 @@ TEST(KorvaMeshMutationTest, DamagedFilesNeverCrashTheReader) {
     KorvaMeshMutator mutator(2024);
     for (const auto& e : encodings) {
         SCOPED_TRACE(e.name);
-        std::string path = dir.file("seed.kxm");
+        std::string path = dir.path("seed.kxm");
         ASSERT_EQ(sample.mesh.write(path.c_str(), e.ascii, e.compress), 1);
         const std::string seed = readFileBytes(path);
         int accepted = 0;

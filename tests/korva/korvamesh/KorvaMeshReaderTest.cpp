@@ -34,8 +34,8 @@ std::unique_ptr<KorvaMesh> expectAccepted(const std::string& text) {
 }
 
 std::string fileOf(const KorvaMesh& mesh, bool ascii, bool compress) {
-    KorvaMeshTestDir dir;
-    std::string path = dir.file("m.kxm");
+    TempDir dir;
+    std::string path = dir.path("m.kxm");
     mesh.write(path.c_str(), ascii ? 1 : 0, compress ? 1 : 0);
     return readFileBytes(path);
 }
@@ -229,9 +229,9 @@ TEST(KorvaMeshReaderTest, EveryTruncationFails) {
 }
 
 TEST(KorvaMeshReaderTest, ReadsFilesInPlaceAndReportsMissingFiles) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMeshSample sample;
-    std::string path = dir.file("s.kxm");
+    std::string path = dir.path("s.kxm");
     ASSERT_EQ(sample.mesh.write(path.c_str(), 0), 1);
     std::unique_ptr<KorvaMesh> mesh = KorvaMeshReader::readFile(path.c_str());
     ASSERT_TRUE(mesh);
@@ -243,10 +243,10 @@ TEST(KorvaMeshReaderTest, ReadsFilesInPlaceAndReportsMissingFiles) {
     }
 
     KxMessageCapture capture;
-    EXPECT_FALSE(KorvaMeshReader::readFile(dir.file("missing.kxm").c_str()));
+    EXPECT_FALSE(KorvaMeshReader::readFile(dir.path("missing.kxm").c_str()));
     EXPECT_FALSE(KorvaMeshReader::readFile(dir.path().c_str()));
     ASSERT_EQ(capture.lines().size(), 2u);
-    EXPECT_EQ(capture.lines()[0], "Error: cannot read KorvaMesh file \"" + dir.file("missing.kxm") +
+    EXPECT_EQ(capture.lines()[0], "Error: cannot read KorvaMesh file \"" + dir.path("missing.kxm") +
                                       "\": No such file or directory.");
     EXPECT_EQ(capture.lines()[1],
               "Error: cannot read KorvaMesh file \"" + dir.path() + "\": not a regular file.");

@@ -2,6 +2,7 @@
 
 #include <clocale>
 #include <cmath>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -18,12 +19,12 @@ struct Encoding {
 const Encoding kEncodings[] = {{"ascii", 1, 0}, {"binary", 0, 0}, {"compressed", 0, 1}};
 
 TEST(KorvaMeshTest, RoundTripsEveryTypeInEveryEncoding) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMeshSample sample;
     for (const Encoding& e : kEncodings) {
         SCOPED_TRACE(e.name);
         KxMessageCapture capture;
-        std::string path = dir.file(std::string("sample_") + e.name + ".kxm");
+        std::string path = dir.path(std::string("sample_") + e.name + ".kxm");
         ASSERT_EQ(sample.mesh.write(path.c_str(), e.ascii, e.compress), 1) << capture.text();
 
         std::unique_ptr<KorvaMesh> fromFile = KorvaMesh::read(path.c_str());
@@ -38,16 +39,16 @@ TEST(KorvaMeshTest, RoundTripsEveryTypeInEveryEncoding) {
         EXPECT_TRUE(capture.lines().empty()) << capture.text();
 
         // A mesh that was read writes back to the same bytes.
-        std::string again = dir.file(std::string("again_") + e.name + ".kxm");
+        std::string again = dir.path(std::string("again_") + e.name + ".kxm");
         ASSERT_EQ(fromFile->write(again.c_str(), e.ascii, e.compress), 1);
         EXPECT_EQ(readFileBytes(again), bytes);
     }
 }
 
 TEST(KorvaMeshTest, CompressesOnlyWhereItHelps) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMeshSample sample;
-    std::string path = dir.file("c.kxm");
+    std::string path = dir.path("c.kxm");
     ASSERT_EQ(sample.mesh.write(path.c_str(), 0, 1), 1);
     std::string header = readFileBytes(path);
     header.resize(header.find("\nend\n"));
@@ -56,7 +57,7 @@ TEST(KorvaMeshTest, CompressesOnlyWhereItHelps) {
     EXPECT_NE(header.find("array \"UInt8\" \"POINTS\" uint8 1 raw 5\n"), std::string::npos) << header;
 
     // Compression can also be asked for per array.
-    std::string plain = dir.file("p.kxm");
+    std::string plain = dir.path("p.kxm");
     sample.mesh.getData(sample.mesh.getNumData() - 1)->setCompressed(true);
     ASSERT_EQ(sample.mesh.write(plain.c_str(), 0), 1);
     EXPECT_LT(readFileBytes(plain).size(), 2000u);
@@ -66,7 +67,7 @@ TEST(KorvaMeshTest, CompressesOnlyWhereItHelps) {
 }
 
 TEST(KorvaMeshTest, WritesTheDocumentedLayout) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMesh mesh;
     mesh.getParameters().setString("ContentType", "Example");
     const KorvaMesh::Location* nodes = mesh.createLocation("NODES", 2);
@@ -75,7 +76,7 @@ TEST(KorvaMeshTest, WritesTheDocumentedLayout) {
     mesh.createData("Coordinates", nodes, PrimType::FLOAT32, 3, xyz);
     mesh.createData("Id", nodes, PrimType::INT32, 1, ids);
 
-    std::string path = dir.file("layout.kxm");
+    std::string path = dir.path("layout.kxm");
     ASSERT_EQ(mesh.write(path.c_str(), 1), 1);
     EXPECT_EQ(readFileBytes(path),
               "KorvaMesh 1 ascii\n"
@@ -116,7 +117,7 @@ TEST(KorvaMeshTest, WritesTheDocumentedLayout) {
 }
 
 TEST(KorvaMeshTest, NotANumberSurvivesBothEncodings) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMesh mesh;
     const KorvaMesh::Location* l = mesh.createLocation("L", 2);
     float f[2] = {std::nanf(""), 1};
@@ -124,7 +125,7 @@ TEST(KorvaMeshTest, NotANumberSurvivesBothEncodings) {
     mesh.createData("f", l, PrimType::FLOAT32, 1, f);
     mesh.createData("d", l, PrimType::FLOAT64, 1, d);
     for (int ascii = 0; ascii < 2; ++ascii) {
-        std::string path = dir.file("nan.kxm");
+        std::string path = dir.path("nan.kxm");
         ASSERT_EQ(mesh.write(path.c_str(), ascii), 1);
         std::unique_ptr<KorvaMesh> back = KorvaMesh::read(path.c_str());
         ASSERT_TRUE(back);
@@ -145,9 +146,9 @@ TEST(KorvaMeshTest, AsciiIgnoresTheLocale) {
     if (!found) {
         GTEST_SKIP() << "no locale with a decimal comma is installed";
     }
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMeshSample sample;
-    std::string path = dir.file("locale.kxm");
+    std::string path = dir.path("locale.kxm");
     bool written = sample.mesh.write(path.c_str(), 1) == 1;
     std::unique_ptr<KorvaMesh> back = KorvaMesh::read(path.c_str());
     std::setlocale(LC_ALL, previous.c_str());
@@ -200,6 +201,42 @@ TEST(KorvaMeshTest, RecognisesItsSignature) {
     for (const char* bad : {"KorvaMesh", "KorvaMeshX 1", "korvamesh 1 ascii", "# KorvaMesh 1", ""}) {
         SCOPED_TRACE(bad);
         EXPECT_FALSE(KorvaMesh::hasSignature(bad, std::strlen(bad)));
+    }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(KorvaMeshTest, ProbesTheContentTypeFromTheFileStart) {
+    KorvaMesh mesh;
+    KxParamBundle& p = mesh.getParameters();
+    p.setString("Note", "ContentType");
+    p.setFloats("Numbers", std::vector<float>(3, 1.5f).data(), 3);
+    p.setString("ContentType", "KxSpatialGraph");
+    // A large label tree after it, so that the start of the file ends inside it.
+    KxParamBundle* labels = p.addBundle("Labels");
+    for (int i = 0; i < 500; ++i) {
+        labels->addBundle(("Label" + std::to_string(i)).c_str())->setInt("Id", i);
+    }
+    TempDir dir;
+    std::string path = dir.path("probe.kxm");
+    ASSERT_EQ(mesh.write(path.c_str(), 0), 1);
+    std::string header = readFileBytes(path).substr(0, 4096);
+    ASSERT_EQ(header.find("\nend\n"), std::string::npos);
+    std::string type;
+    EXPECT_TRUE(KorvaMesh::probeContentType(header.data(), static_cast<int>(header.size()), type));
+    EXPECT_EQ(type, "KxSpatialGraph");
+
+    const char* without[] = {
+        "KorvaMesh 1 ascii\nparameters {\n\"Note\" string \"ContentType\"\n\"Sub\" {\n\"ContentType\" string "
+        "\"X\"\n}\n}\nend\n",
+        "KorvaMesh 1 ascii\nlocation \"L\" 1\nend\n",
+        "PLY ContentType",
+    };
+    for (const char* text : without) {
+        SCOPED_TRACE(text);
+        EXPECT_FALSE(KorvaMesh::probeContentType(text, static_cast<int>(std::strlen(text)), type));
     }
 }
 

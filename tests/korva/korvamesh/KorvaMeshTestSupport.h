@@ -1,41 +1,15 @@
 #pragma once
 
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
 #include "korva/korvamesh/KorvaMesh.h"
-
-// A fresh directory for one test's files, removed with everything in it when
-// the object dies. Lies below $KORVA_TEST_TMPDIR when set, else below /tmp.
-class KorvaMeshTestDir {
-public:
-    KorvaMeshTestDir() {
-        const char* base = std::getenv("KORVA_TEST_TMPDIR");
-        std::filesystem::path root = base && *base ? base : "/tmp";
-        std::filesystem::create_directories(root);
-        std::string pattern = (root / "korvamesh-XXXXXX").string();
-        path_ = ::mkdtemp(&pattern[0]) ? pattern : std::string();
-    }
-    ~KorvaMeshTestDir() {
-        std::error_code ignored;
-        std::filesystem::permissions(path_, std::filesystem::perms::owner_all, ignored);
-        std::filesystem::remove_all(path_, ignored);
-    }
-    std::string file(const std::string& name) const { return path_ + "/" + name; }
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
+#include "support/TempDir.h"
 
 inline std::string readFileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);

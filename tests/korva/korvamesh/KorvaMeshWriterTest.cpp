@@ -49,8 +49,8 @@ private:
 };
 
 TEST(KorvaMeshWriterTest, FailedWriteLeavesTheOldFileAndNoTemporary) {
-    KorvaMeshTestDir dir;
-    std::string path = dir.file("keep.kxm");
+    TempDir dir;
+    std::string path = dir.path("keep.kxm");
     writeFileBytes(path, "the old contents");
 
     KorvaMesh mesh;
@@ -73,12 +73,12 @@ TEST(KorvaMeshWriterTest, FailedWriteLeavesTheOldFileAndNoTemporary) {
 }
 
 TEST(KorvaMeshWriterTest, ReportsWhatCannotBeWritten) {
-    KorvaMeshTestDir dir;
+    TempDir dir;
     KorvaMesh mesh;
     mesh.createData("none", mesh.createLocation("L", 3), PrimType::INT32, 1, nullptr);
-    std::string path = dir.file("x.kxm");
+    std::string path = dir.path("x.kxm");
     writeFileBytes(path, "old");
-    std::filesystem::create_directory(dir.file("isadir.kxm"));
+    std::filesystem::create_directory(dir.path("isadir.kxm"));
 
     struct Case {
         const char* what;
@@ -86,8 +86,8 @@ TEST(KorvaMeshWriterTest, ReportsWhatCannotBeWritten) {
         const char* problem;
     } cases[] = {
         {"missing values", path, "array \"none\" has no values"},
-        {"missing directory", dir.file("nodir/x.kxm"), "cannot create a temporary file"},
-        {"target is a directory", dir.file("isadir.kxm"), "Is a directory"},
+        {"missing directory", dir.path("nodir/x.kxm"), "cannot create a temporary file"},
+        {"target is a directory", dir.path("isadir.kxm"), "Is a directory"},
     };
     int values[3] = {1, 2, 3};
     for (const Case& c : cases) {
@@ -105,8 +105,8 @@ TEST(KorvaMeshWriterTest, ReportsWhatCannotBeWritten) {
 }
 
 TEST(KorvaMeshWriterTest, ReplacingAFileKeepsItsPermissions) {
-    KorvaMeshTestDir dir;
-    std::string path = dir.file("mode.kxm");
+    TempDir dir;
+    std::string path = dir.path("mode.kxm");
     writeFileBytes(path, "old");
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
     KorvaMeshSample sample;

@@ -1,0 +1,229 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "korva/korvamesh/KorvaMesh.h"
+#include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "support/GraphComparison.h"
+
+namespace {
+
+// The legacy layout of an old file: three vertices, two edges (3 and 2
+// points), labels on vertices, edges and the graph, and the optional data.
+//   0 --[3]-- 1 --[2]-- 2
+struct LegacyMesh {
+    KorvaMesh mesh;
+    float vertices[9] = {0, 0, 0, 1, 0, 0, 2, 0, 0};
+    int ends[4] = {0, 1, 1, 2};
+    int counts[2] = {3, 2};
+    float points[15] = {0, 0, 0, 0.5f, 0.1f, 0, 1, 0, 0, 1, 0, 0, 2, 0, 0};
+    int vertexLabels[3] = {0, 1, 2};
+    int edgeLabels[2] = {2, 1};
+    // Vertex values first, then edge values; 1 is the old undefined label.
+    int graphLabels[5] = {1, 2, 8, 1, 7};
+    int graphInts[5] = {10, 11, 12, 20, 21};
+    float pointFloats[5] = {0.1f, 0.2f, 0.3f, 0.4f, 0.5f};
+
+    LegacyMesh() {
+        const KorvaMesh::Location* v = mesh.createLocation("Vertices", 3);
+        const KorvaMesh::Location* e = mesh.createLocation("Edges", 2);
+        const KorvaMesh::Location* p = mesh.createLocation("EdgePoints", 5);
+        mesh.createData("VertexCoordinates", v, PrimType::FLOAT32, 3, vertices);
+        mesh.createData("EdgeConnectivity", e, PrimType::INT32, 2, ends);
+        mesh.createData("NumEdgePoints", e, PrimType::INT32, 1, counts);
+        mesh.createData("EdgePointCoordinates", p, PrimType::FLOAT32, 3, points);
+    }
+    void addOptionalData() {
+        mesh.createData("VertexLabel", mesh.findLocation("Vertices"), PrimType::INT32, 1, vertexLabels);
+        mesh.createData("EdgeLabel", mesh.findLocation("Edges"), PrimType::INT32, 1, edgeLabels);
+        const KorvaMesh::Location* g = mesh.createLocation("Graph", 5);
+        mesh.createData("GraphLabel", g, PrimType::INT32, 1, graphLabels);
+        mesh.createData("GraphIntData", g, PrimType::INT32, 1, graphInts);
+        mesh.createData("EdgePointFloatData", mesh.findLocation("EdgePoints"), PrimType::FLOAT32, 1,
+                        pointFloats);
+    }
+    // A label bundle with its undefined child first, then the given children.
+    KxParamBundle* addGroup(const char* name, const char* undefined, std::vector<const char*> children) {
+        KxParamBundle* group = mesh.getParameters().addBundle(name);
+        if (undefined) {
+            group->addBundle(undefined)->setColor(Color(0.25f, 0.5f, 0.75f));
+        }
+        for (const char* child : children) {
+            KxParamBundle* b = group->addBundle(child);
+            b->setColor(Color(1, 0, 0));
+            b->setInt("Id", 99);
+        }
+        return group;
+    }
+};
+
+int labelId(const KxParamBundle* root, std::vector<const char*> path) {
+    const KxParamBundle* b = root;
+    for (const char* name : path) {
+        b = b ? b->getBundle(name) : nullptr;
+    }
+    int id = -1;
+    if (b) {
+        b->findInt("Id", id);
+    }
+    return id;
+}
+
+std::vector<int> intValues(const GraphAttribute* a) {
+    const int* v = static_cast<const int*>(a->dataPtr());
+    return std::vector<int>(v, v + a->size());
+}
+
+TEST(SpatialGraphKorvaMeshLegacyTest, ConvertsTopologyAndOptionalData) {
+    LegacyMesh legacy;
+    legacy.addOptionalData();
+    float matrix[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1};
+    legacy.mesh.getParameters().setFloats("TransformationMatrix", matrix, 16);
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
+    ASSERT_TRUE(g);
+    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Reading legacy spatialGraph"});
+    EXPECT_TRUE(graphIsConsistent(*g));
+    ASSERT_EQ(g->getNumEdges(), 2);
+    EXPECT_EQ(g->getNumEdgePoints(0), 3);
+    EXPECT_EQ(g->getEdgePoint(0, 1).y, 0.1f);
+    EXPECT_EQ(g->getEdgeTarget(1), 2);
+    EXPECT_EQ(g->getTransform()[3][0], 5.0f);
+    EXPECT_STREQ(g->getSaveInfoParam(), "KorvaMesh");
+    EXPECT_STREQ(g->getLoadCmd(), "old.kxm");
+
+    EXPECT_EQ(intValues(g->findVertexAttribute("VertexLabels")), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(intValues(g->findEdgeAttribute("EdgeLabels")), (std::vector<int>{2, 1}));
+    // Split: vertex values first, edge values after; no group bundle, so the 1s stay.
+    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{1, 2, 8}));
+    EXPECT_EQ(intValues(g->findEdgeAttribute("GraphLabels")), (std::vector<int>{1, 7}));
+    EXPECT_EQ(intValues(g->findVertexAttribute("GraphIntData")), (std::vector<int>{10, 11, 12}));
+    EXPECT_EQ(intValues(g->findEdgeAttribute("GraphIntData")), (std::vector<int>{20, 21}));
+    EXPECT_EQ(g->findEdgePointAttribute("EdgePointFloatData")->getFloatDataAtPoint(1, 1), 0.5f);
+    // Label bundles are missing: no groups.
+    EXPECT_EQ(g->getLabelGroups().size(), 0);
+}
+
+TEST(SpatialGraphKorvaMeshLegacyTest, FoldsUndefinedLabelsAndNumbersChildren) {
+    LegacyMesh legacy;
+    legacy.addOptionalData();
+    legacy.addGroup("VertexLabels", "UndefinedVertexLabel", {"A", "B"});
+    // Without its undefined child a group is not registered; its ids stay.
+    legacy.addGroup("EdgeLabels", nullptr, {"C"});
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
+    ASSERT_TRUE(g);
+    const KxParamBundle* vertexGroup = g->parameters().getBundle("VertexLabels");
+    ASSERT_TRUE(vertexGroup);
+    EXPECT_FALSE(vertexGroup->getBundle("UndefinedVertexLabel"));
+    Color color;
+    ASSERT_TRUE(vertexGroup->findColor(color));
+    EXPECT_EQ(color, Color(0.25f, 0.5f, 0.75f));
+    EXPECT_EQ(labelId(vertexGroup, {}), 0);
+    EXPECT_EQ(labelId(vertexGroup, {"A"}), 1);
+    EXPECT_EQ(labelId(vertexGroup, {"B"}), 2);
+    EXPECT_TRUE(g->getLabelGroup("VertexLabels"));
+    EXPECT_FALSE(g->getLabelGroup("EdgeLabels"));
+    EXPECT_EQ(labelId(g->parameters().getBundle("EdgeLabels"), {"C"}), 99);
+    // Deliberate: vertex label values are left as they are.
+    EXPECT_EQ(intValues(g->findVertexAttribute("VertexLabels")), (std::vector<int>{0, 1, 2}));
+}
+
+TEST(SpatialGraphKorvaMeshLegacyTest, GraphLabelsWithLandmarkGetTheFixedIds) {
+    LegacyMesh legacy;
+    legacy.addOptionalData();
+    KxParamBundle* group = legacy.addGroup("GraphLabels", "UndefinedGraphLabel", {"Neuron", "Landmark"});
+    KxParamBundle* neuron = group->getBundle("Neuron");
+    neuron->addBundle("Dendrite")->addBundle("BasalDendrite");
+    neuron->addBundle("Soma");
+    KxParamBundle* barrel = group->getBundle("Landmark")->addBundle("Barrel");
+    barrel->addBundle("cRow")->addBundle("C6");
+    barrel->addBundle("greekRow")->addBundle("Delta");
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
+    ASSERT_TRUE(g);
+    const KxParamBundle* root = g->parameters().getBundle("GraphLabels");
+    EXPECT_EQ(labelId(root, {}), 0);
+    EXPECT_EQ(labelId(root, {"Neuron"}), 2);
+    EXPECT_EQ(labelId(root, {"Neuron", "Dendrite"}), 3);
+    EXPECT_EQ(labelId(root, {"Neuron", "Dendrite", "BasalDendrite"}), 5);
+    EXPECT_EQ(labelId(root, {"Neuron", "Soma"}), 7);
+    EXPECT_EQ(labelId(root, {"Landmark"}), 8);
+    EXPECT_EQ(labelId(root, {"Landmark", "Barrel"}), 11);
+    EXPECT_EQ(labelId(root, {"Landmark", "Barrel", "cRow"}), 22);
+    EXPECT_EQ(labelId(root, {"Landmark", "Barrel", "cRow", "C6"}), 28);
+    EXPECT_EQ(labelId(root, {"Landmark", "Barrel", "greekRow", "Delta"}), 47);
+    EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
+    // The undefined label's value 1 became the group's own 0.
+    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{0, 2, 8}));
+    EXPECT_EQ(intValues(g->findEdgeAttribute("GraphLabels")), (std::vector<int>{0, 7}));
+    // Each missing label of the table is reported once; its children are skipped.
+    for (const char* missing :
+         {"ApicalDendrite", "Axon", "Pia", "Vessel", "aRow", "bRow", "dRow", "eRow", "A1"}) {
+        bool reported = capture.contains(std::string("Warning: label \"") + missing +
+                                         "\" not found. Skipping child labels.");
+        EXPECT_EQ(reported, std::string(missing) != "A1") << missing;
+    }
+    EXPECT_TRUE(capture.contains("Warning: label \"C1\" not found. Skipping child labels."));
+}
+
+TEST(SpatialGraphKorvaMeshLegacyTest, GraphLabelsWithoutLandmarkAreNumberedInOrder) {
+    LegacyMesh legacy;
+    legacy.addOptionalData();
+    KxParamBundle* group = legacy.addGroup("GraphLabels", nullptr, {"Neuron", "Glia", "Other"});
+    KxParamBundle* grandchild = group->getBundle("Glia")->addBundle("Astrocyte");
+    grandchild->setInt("Id", 42);
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
+    ASSERT_TRUE(g);
+    const KxParamBundle* root = g->parameters().getBundle("GraphLabels");
+    EXPECT_EQ(labelId(root, {"Neuron"}), 1);
+    EXPECT_EQ(labelId(root, {"Glia"}), 2);
+    EXPECT_EQ(labelId(root, {"Other"}), 3);
+    EXPECT_EQ(labelId(root, {"Glia", "Astrocyte"}), 42);
+    // Without the undefined child the values stay and the group is still registered.
+    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{1, 2, 8}));
+    EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
+}
+
+TEST(SpatialGraphKorvaMeshLegacyTest, RefusesIncompleteOrLyingLayouts) {
+    struct Case {
+        const char* what;
+        void (*damage)(LegacyMesh&);
+        const char* message;
+    } cases[] = {
+        {"counts past the points", [](LegacyMesh& m) { m.counts[1] = 3; },
+         "Error: old.kxm: edge 1 has 3 points"},
+        {"vertex out of range", [](LegacyMesh& m) { m.ends[3] = 3; },
+         "Error: old.kxm: edge 1 refers to vertex 3, but there are 3 vertices."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        LegacyMesh legacy;
+        c.damage(legacy);
+        KxMessageCapture capture;
+        EXPECT_FALSE(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
+        ASSERT_EQ(capture.lines().size(), 2u) << capture.text();
+        EXPECT_EQ(capture.lines()[1].rfind(c.message, 0), 0u) << capture.text();
+    }
+
+    // Legacy files without point counts or edge points: the "expecting at least" message.
+    KorvaMesh mesh;
+    float vertices[3] = {0, 0, 0};
+    int ends[2] = {0, 0};
+    mesh.createData("VertexCoordinates", mesh.createLocation("Vertices", 1), PrimType::FLOAT32, 3, vertices);
+    mesh.createData("EdgeConnectivity", mesh.createLocation("Edges", 1), PrimType::INT32, 2, ends);
+    KxMessageCapture capture;
+    EXPECT_FALSE(readKorvaMeshToSpatialGraph(mesh, "old.kxm"));
+    EXPECT_EQ(capture.lines(), (std::vector<std::string>{
+                                   "Reading legacy spatialGraph",
+                                   "KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, "
+                                   "edge connectivity, edge points in old.kxm."}));
+}
+
+}  // namespace

@@ -1,0 +1,271 @@
+#include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/korvamesh/KorvaMesh.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+#include "support/TempDir.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+const GraphComparisonOptions kFileRoundTrip = [] {
+    GraphComparisonOptions o;
+    o.compareAttributeIds = false;
+    return o;
+}();
+
+struct Encoding {
+    const char* name;
+    int ascii, compress;
+};
+const Encoding kEncodings[] = {{"ascii", 1, 0}, {"binary", 0, 0}, {"compressed", 0, 1}};
+
+// Everything a graph file carries: markers on all locations, a float vector
+// attribute, a label group, a user parameter and a transformation.
+void decorate(KxSpatialGraph& g) {
+    addIdentityMarkers(g);
+    HierarchicalLabels* ranks = g.addNewLabelGroup("Ranks", true, false, false);
+    ranks->addLabel(0, "Rank1", SbColor(0.8f, 0.16f, 0.16f));
+    int r2 = ranks->addLabel(0, "Rank2", SbColor(0.1f, 0.2f, 0.3f));
+    ranks->addLabel(r2, "Rank2a", SbColor(1, 1, 1));
+    g.parameters().setString("Owner", "lab \"7\"");
+    SbMatrix m;
+    m.setTranslate(SbVec3f(1.5f, -2, 0.25f));
+    g.setTransform(m);
+}
+
+std::unique_ptr<KxSpatialGraph> readBack(const std::string& path, KxMessageCapture& capture) {
+    std::unique_ptr<KorvaMesh> mesh = KorvaMesh::read(path.c_str());
+    if (!mesh) {
+        ADD_FAILURE() << capture.text();
+        return nullptr;
+    }
+    return std::unique_ptr<KxSpatialGraph>(readKorvaMeshToSpatialGraph(*mesh, path.c_str()));
+}
+
+TEST(SpatialGraphKorvaMeshTest, RoundTripsReproduceWholeGraphs) {
+    TempDir dir;
+    const std::pair<const char*, std::function<std::unique_ptr<KxSpatialGraph>()>> graphs[] = {
+        {"chain", [] { return makeChain(6); }},
+        {"y", [] { return makeY(); }},
+        {"loop", [] { return makeLoop(); }},
+        {"two components", [] { return makeTwoComponents(); }},
+    };
+    for (const auto& [graphName, make] : graphs) {
+        for (const Encoding& e : kEncodings) {
+            SCOPED_TRACE(std::string(graphName) + ", " + e.name);
+            std::unique_ptr<KxSpatialGraph> g = make();
+            decorate(*g);
+            g->setModified(true);
+            std::string path = dir.path(std::string("g_") + e.name + ".kxm");
+            KxMessageCapture capture;
+            ASSERT_EQ(g->saveKorvaMeshInternal(path.c_str(), e.ascii, e.compress), 1) << capture.text();
+            EXPECT_STREQ(g->getLoadCmd(), path.c_str());
+            EXPECT_FALSE(g->isModified());
+
+            std::unique_ptr<KxSpatialGraph> back = readBack(path, capture);
+            ASSERT_TRUE(back);
+            EXPECT_TRUE(capture.lines().empty()) << capture.text();
+            EXPECT_EQ(describeDifference(*g, *back, kFileRoundTrip), "");
+            EXPECT_TRUE(back->getLabelGroup("Ranks"));
+            EXPECT_STREQ(back->getSaveInfoParam(), "KorvaMesh");
+            EXPECT_STREQ(back->getLoadCmd(), path.c_str());
+        }
+    }
+}
+
+TEST(SpatialGraphKorvaMeshTest, WritesTheDocumentedArraysInOrder) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> g = makeY();
+    addIdentityMarkers(*g);
+    std::string path = dir.path("y.kxm");
+    ASSERT_EQ(g->saveKorvaMeshBinary(path.c_str()), 1);
+    std::unique_ptr<KorvaMesh> mesh = KorvaMesh::read(path.c_str());
+    ASSERT_TRUE(mesh);
+    std::vector<std::string> arrays;
+    for (int i = 0; i < mesh->getNumData(); ++i) {
+        arrays.push_back(std::string(mesh->getData(i)->getLocationName()) + "/" +
+                         mesh->getData(i)->getName());
+    }
+    EXPECT_EQ(arrays,
+              (std::vector<std::string>{"VERTEX/VertexCoordinates", "VERTEX/VertexMarker", "VERTEX/VertexVec",
+                                        "EDGE/EdgeConnectivity", "EDGE/NumEdgePoints", "EDGE/EdgeMarker",
+                                        "POINT/EdgePointCoordinates", "POINT/PointMarker"}));
+    EXPECT_EQ(mesh->findLocation("POINT")->getSize(), 3 + 4 + 2);
+    const int* counts = static_cast<const int*>(mesh->getData(4)->getValues());
+    EXPECT_EQ(std::vector<int>(counts, counts + 3), (std::vector<int>{3, 4, 2}));
+    String type;
+    EXPECT_TRUE(mesh->getParameters().findString("ContentType", type));
+    EXPECT_EQ(type, "KxSpatialGraph");
+    // Identity transformation: no matrix.
+    EXPECT_FALSE(mesh->getParameters().hasParam("TransformationMatrix"));
+}
+
+TEST(SpatialGraphKorvaMeshTest, GraphWithoutEdgesKeepsItsVertices) {
+    TempDir dir;
+    KxSpatialGraph g;
+    g.addVertex(Vec3f(1, 2, 3));
+    g.addVertex(Vec3f(-1, 0, 0.5f));
+    std::string path = dir.path("vertices.kxm");
+    for (int ascii = 0; ascii < 2; ++ascii) {
+        ASSERT_EQ(g.saveKorvaMeshInternal(path.c_str(), ascii), 1);
+        std::unique_ptr<KorvaMesh> mesh = KorvaMesh::read(path.c_str());
+        ASSERT_TRUE(mesh);
+        EXPECT_EQ(mesh->findLocation("EDGE")->getSize(), 0);
+        EXPECT_EQ(mesh->findLocation("POINT")->getSize(), 0);
+        KxMessageCapture capture;
+        std::unique_ptr<KxSpatialGraph> back(readKorvaMeshToSpatialGraph(*mesh, path.c_str()));
+        ASSERT_TRUE(back);
+        EXPECT_EQ(describeDifference(g, *back, kFileRoundTrip), "");
+    }
+}
+
+TEST(SpatialGraphKorvaMeshTest, InconsistentGraphIsReportedAndStillWritten) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> g = makeChain(3);
+    g->setVertexCoords(1, Vec3f(5, 5, 5));
+    std::string path = dir.path("bad.kxm");
+    KxMessageCapture capture;
+    ASSERT_EQ(g->saveKorvaMeshASCII(path.c_str()), 1);
+    EXPECT_TRUE(capture.contains("Error: Inconsistent spatialgraph!!!")) << capture.text();
+    capture.clear();
+    std::unique_ptr<KxSpatialGraph> back = readBack(path, capture);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(describeDifference(*g, *back, kFileRoundTrip), "");
+    // Loading runs the consistency check, which reports the same faults.
+    EXPECT_GT(capture.numErrors(), 0);
+}
+
+TEST(SpatialGraphKorvaMeshTest, FailedSaveKeepsTheGraphUnsaved) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> g = makeChain(2);
+    g->setModified(true);
+    KxMessageCapture capture;
+    EXPECT_EQ(g->saveKorvaMesh(dir.path("missing/dir.kxm").c_str()), 0);
+    EXPECT_EQ(capture.numErrors(), 1);
+    EXPECT_TRUE(g->isModified());
+    EXPECT_STREQ(g->getLoadCmd(), "");
+}
+
+// A hand-made mesh in the current layout: 2 vertices, 1 edge with 3 points.
+struct CurrentMesh {
+    KorvaMesh mesh;
+    float vertices[6] = {0, 0, 0, 2, 0, 0};
+    int ends[2] = {0, 1};
+    int counts[1] = {3};
+    float points[9] = {0, 0, 0, 1, 0, 0, 2, 0, 0};
+    int vertexValues[2] = {7, 8};
+    float pointValues[3] = {0.5f, 1.5f, 2.5f};
+
+    CurrentMesh() {
+        const KorvaMesh::Location* v = mesh.createLocation("VERTEX", 2);
+        const KorvaMesh::Location* e = mesh.createLocation("EDGE", 1);
+        const KorvaMesh::Location* p = mesh.createLocation("POINT", 3);
+        mesh.createData("VertexCoordinates", v, PrimType::FLOAT32, 3, vertices);
+        mesh.createData("EdgeConnectivity", e, PrimType::INT32, 2, ends);
+        mesh.createData("NumEdgePoints", e, PrimType::INT32, 1, counts);
+        mesh.createData("EdgePointCoordinates", p, PrimType::FLOAT32, 3, points);
+    }
+};
+
+TEST(SpatialGraphKorvaMeshTest, OnlyOtherArraysOfTheThreeLocationsBecomeAttributes) {
+    CurrentMesh m;
+    const KorvaMesh::Location* v = m.mesh.findLocation("VERTEX");
+    const KorvaMesh::Location* other = m.mesh.createLocation("Elsewhere", 2);
+    // Same fixed name with another type: still not an attribute.
+    m.mesh.createData("VertexCoordinates", v, PrimType::INT32, 1, m.vertexValues);
+    m.mesh.createData("Weight", v, PrimType::INT32, 1, m.vertexValues);
+    m.mesh.createData("Ignored", other, PrimType::INT32, 1, m.vertexValues);
+    m.mesh.createData("Radius", m.mesh.findLocation("POINT"), PrimType::FLOAT32, 1, m.pointValues);
+    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(m.mesh, "hand.kxm"));
+    ASSERT_TRUE(g);
+    ASSERT_EQ(g->getNumVertexAttributes(), 1);
+    EXPECT_STREQ(g->getVertexAttribute(0)->getName(), "Weight");
+    EXPECT_EQ(g->getVertexAttribute(0)->getIntDataAtIdx(1), 8);
+    ASSERT_EQ(g->getNumEdgePointAttributes(), 1);
+    EXPECT_EQ(g->getEdgePointAttribute(0)->getFloatDataAtPoint(0, 2), 2.5f);
+    EXPECT_EQ(g->getNumEdgeAttributes(), 0);
+}
+
+TEST(SpatialGraphKorvaMeshTest, RefusesMeshesWithoutTheRequiredArrays) {
+    const char* required[] = {"VertexCoordinates", "EdgeConnectivity", "NumEdgePoints",
+                              "EdgePointCoordinates"};
+    for (const char* missing : required) {
+        SCOPED_TRACE(missing);
+        CurrentMesh full;
+        KorvaMesh mesh;
+        for (int i = 0; i < full.mesh.getNumLocations(); ++i) {
+            mesh.createLocation(full.mesh.getLocation(i)->getName(), full.mesh.getLocation(i)->getSize());
+        }
+        for (int i = 0; i < full.mesh.getNumData(); ++i) {
+            const KorvaMesh::Data* d = full.mesh.getData(i);
+            if (std::string(d->getName()) != missing) {
+                mesh.createData(d->getName(), mesh.findLocation(d->getLocationName()), d->getPrimType(),
+                                d->getNumComponents(), d->getValues());
+            }
+        }
+        int poolSize = theObjectPool->size();
+        KxMessageCapture capture;
+        EXPECT_EQ(readKorvaMesh(mesh, "x.kxm"), 0);
+        ASSERT_EQ(capture.lines().size(), 1u);
+        EXPECT_EQ(
+            capture.lines()[0],
+            "KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge connectivity, edge "
+            "points in x.kxm.");
+        EXPECT_EQ(theObjectPool->size(), poolSize);
+    }
+}
+
+TEST(SpatialGraphKorvaMeshTest, RefusesPointCountsPastTheStoredPoints) {
+    for (int count : {4, -1}) {
+        SCOPED_TRACE(count);
+        CurrentMesh m;
+        m.counts[0] = count;
+        KxMessageCapture capture;
+        EXPECT_FALSE(readKorvaMeshToSpatialGraph(m.mesh, "lying.kxm"));
+        ASSERT_EQ(capture.numErrors(), 1) << capture.text();
+        EXPECT_NE(capture.lines()[0].find("lying.kxm: edge 0 has"), std::string::npos) << capture.text();
+    }
+}
+
+TEST(SpatialGraphKorvaMeshTest, BrokenLabelTreeLoadsWithOneWarning) {
+    CurrentMesh m;
+    m.mesh.createData("Kind", m.mesh.findLocation("VERTEX"), PrimType::INT32, 1, m.vertexValues);
+    KxParamBundle* group = m.mesh.getParameters().addBundle("Kind");
+    group->setInt("Id", 0);
+    group->setColor(Color(1, 1, 1));
+    group->addBundle("NoId")->setColor(Color(0, 0, 1));
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(m.mesh, "labels.kxm"));
+    ASSERT_TRUE(g);
+    EXPECT_TRUE(g->getLabelGroup("Kind"));
+    EXPECT_EQ(
+        capture.lines().back(),
+        "Warning: The attributes are inconsistent.  It is unsafe to continue using Korva with the loaded "
+        "SpatialGraph.");
+}
+
+TEST(SpatialGraphKorvaMeshTest, ReadKorvaMeshRegistersUnderTheFileName) {
+    CurrentMesh m;
+    ASSERT_EQ(readKorvaMesh(m.mesh, "/some/dir/tree.kxm"), 1);
+    KxObject* added = theObjectPool->get(theObjectPool->size() - 1);
+    EXPECT_EQ(std::string(added->getLabel()).rfind("tree", 0), 0u) << added->getLabel();
+    ASSERT_TRUE(dynamic_cast<KxSpatialGraph*>(added));
+    EXPECT_EQ(static_cast<KxSpatialGraph*>(added)->getTotalNumEdgePoints(), 3);
+    theObjectPool->remove(added);
+}
+
+}  // namespace
