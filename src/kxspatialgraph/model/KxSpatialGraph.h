@@ -146,9 +146,10 @@ public:
 
     // Reserves capacity; counts never change. Point attributes reserve nothing.
     void setSizeHint(int numVertices, int numEdges, int numPoints);
-    // Deletes label groups and attributes, empties points, edges, incidence
-    // lists and coordinates, clears the fixed bounding box. The
-    // transformation stays.
+    // Deletes label groups (access objects and their bundles) and
+    // attributes, empties points, edges, incidence lists and coordinates,
+    // clears the fixed bounding box. The transformation and the other
+    // parameters stay.
     void clear();
 
     // ---- Consistency and reports -------------------------------------------

@@ -10,7 +10,12 @@
 #include "kxspatialgraph/model/PointAttribute.h"
 
 void KxSpatialGraph::deleteAllLabelGroups() {
-    labelGroups_.forEach([](const char*, HierarchicalLabels* labels) { delete labels; });
+    // Like deleteLabelGroup: the group's bundle leaves the parameters too, so
+    // a group made later under the same name starts empty.
+    labelGroups_.forEach([this](const char*, HierarchicalLabels* labels) {
+        parameters().removeBundle(labels->getRootBundle());
+        delete labels;
+    });
     labelGroups_.clear();
 }
 

@@ -5,7 +5,9 @@
 
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageCapture.h"
+#include "korva/core/KxParamBundle.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
@@ -174,7 +176,8 @@ TEST(KxSpatialGraphTest, ReportsWordAndOrderTheirLines) {
 TEST(KxSpatialGraphTest, SizeHintKeepsCountsAndClearKeepsTransform) {
     auto g = makeY();
     addIdentityMarkers(*g);
-    g->addNewLabelGroup("Neuron", true, true, false);
+    g->addNewLabelGroup("Neuron", true, true, false)->addLabel(0, "Axon", SbColor(1, 0, 0));
+    g->parameters().addBundle("Notes");
     GraphSnapshot before = takeSnapshot(*g);
     g->setSizeHint(100, 200, 1000);
     EXPECT_TRUE(sameGraph(before, *g));
@@ -192,9 +195,15 @@ TEST(KxSpatialGraphTest, SizeHintKeepsCountsAndClearKeepsTransform) {
                   g->numAttributes(KxSpatialGraph::POINT),
               0);
     EXPECT_EQ(g->getLabelGroup("Neuron"), nullptr);
+    // Deleting a group takes its bundle out of the parameters; other bundles stay.
+    EXPECT_EQ(g->parameters().getBundle("Neuron"), nullptr);
+    EXPECT_NE(g->parameters().getBundle("Notes"), nullptr);
     EXPECT_FALSE(g->hasFixedBoundingBox());
     EXPECT_EQ(g->getTransform(), m);
     expectConsistent(*g);
+    // A group made again under the old name starts with its root label only.
+    EXPECT_EQ(g->addNewLabelGroup("Neuron", true, true, false)->getNumLabels(), 1);
+    EXPECT_EQ(g->parameters().getNumBundles(), 2);
 }
 
 TEST(KxSpatialGraphTest, EdgeWithEndOutsideTheGraphIsReportedNotFollowed) {
