@@ -228,7 +228,8 @@ public:
     // Moves group's bundle to the index targetGroup's bundle holds; false if either is missing.
     bool relocateLabelGroup(const char* group, const char* targetGroup);
     // Renames the group, its root label and its vertex and edge attributes.
-    // Deliberate: a point attribute of the old name keeps its name.
+    // Deliberate: a point attribute of the old name keeps its name. Nothing
+    // happens when another group already has newName.
     void changeLabelGroupName(HierarchicalLabels* labels, const char* newName);
     // Deletes the access object, the group bundle and the vertex, edge and
     // point attributes of that name.

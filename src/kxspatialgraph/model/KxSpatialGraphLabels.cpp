@@ -121,6 +121,11 @@ bool KxSpatialGraph::relocateLabelGroup(const char* group, const char* targetGro
 }
 
 void KxSpatialGraph::changeLabelGroupName(HierarchicalLabels* labels, const char* newName) {
+    HierarchicalLabels* holder = getLabelGroup(newName);
+    if (holder && holder != labels) {
+        // Two groups under one name would lose one of them from the table.
+        return;
+    }
     String oldName = labels->getLabelGroupName();
     labelGroups_.remove(oldName);
     int rootId = 0;

@@ -155,6 +155,15 @@ TEST(HierarchicalLabelsTest, GraphLabelGroupOperations) {
     EXPECT_EQ(childNames(&g->parameters()), (std::vector<std::string>{"Neuron", "Marks", "Types"}));
     EXPECT_FALSE(g->relocateLabelGroup("Neuron", "Missing"));
 
+    // A name another group holds is refused: two groups cannot share a name.
+    std::string parameters = g->parameters().toText();
+    g->changeLabelGroupName(neuron, "Types");
+    EXPECT_EQ(g->getLabelGroup("Neuron"), neuron);
+    EXPECT_STREQ(g->getLabelGroup("Types")->getLabelGroupName(), "Types");
+    EXPECT_NE(g->getLabelGroup("Types"), neuron);
+    EXPECT_NE(g->findVertexAttribute("Neuron"), nullptr);
+    EXPECT_EQ(g->parameters().toText(), parameters);
+
     g->addAttribute("Neuron", KxSpatialGraph::POINT, PrimType::INT32, 1);
     g->changeLabelGroupName(neuron, "Cell");
     EXPECT_EQ(g->getLabelGroup("Neuron"), nullptr);
