@@ -16,8 +16,10 @@ uniform float scale;
 uniform float min;
 uniform float range;
 
-varying vec3 normalEye;
-varying vec3 positionEye;
+// Lighting is computed per vertex (the tubes are smooth and finely
+// tessellated), which keeps the fragment stage cheap on software renderers.
+varying vec3 diffuseFactor;
+varying float specular;
 varying vec4 fixedColor;
 varying float colormapCoord;
 
@@ -38,9 +40,15 @@ void main() {
     vec3 normal = offset;
 #endif
     vec4 eye = gl_ModelViewMatrix * position;
-    positionEye = eye.xyz;
-    normalEye = gl_NormalMatrix * normal;
     gl_Position = gl_ProjectionMatrix * eye;
+    vec3 n = normalize(gl_NormalMatrix * normal);
+    vec4 lightPosition = gl_LightSource[0].position;
+    vec3 toLight = lightPosition.w == 0.0 ? normalize(lightPosition.xyz) : normalize(lightPosition.xyz - eye.xyz);
+    // Light both sides: caps and tube ends can be seen from inside.
+    float diffuse = abs(dot(n, toLight));
+    diffuseFactor = 0.2 + 0.8 * diffuse * gl_LightSource[0].diffuse.rgb;
+    vec3 toEye = normalize(-eye.xyz);
+    specular = 0.15 * pow(max(dot(n, normalize(toLight + toEye)), 0.0), 40.0);
 #ifdef KORVA_CLIP_PLANES
     gl_ClipVertex = eye;
 #endif
