@@ -13,6 +13,13 @@
 
 namespace {
 
+// The info log of a shader or program, fetched with glGetShaderInfoLog or glGetProgramInfoLog.
+std::string infoLog(GLuint object, PFNGLGETSHADERINFOLOGPROC getLog) {
+    char buffer[2048] = {0};
+    getLog(object, sizeof(buffer) - 1, nullptr, buffer);
+    return buffer;
+}
+
 GLuint compileStage(GLenum stage, const std::string& source, std::string& log) {
     GLuint shader = glCreateShader(stage);
     const char* text = source.c_str();
@@ -21,9 +28,7 @@ GLuint compileStage(GLenum stage, const std::string& source, std::string& log) {
     GLint ok = GL_FALSE;
     glGetShaderiv(shader, GL_COMPILE_STATUS, &ok);
     if (!ok) {
-        char buffer[2048] = {0};
-        glGetShaderInfoLog(shader, sizeof(buffer) - 1, nullptr, buffer);
-        log = buffer;
+        log = infoLog(shader, glGetShaderInfoLog);
         glDeleteShader(shader);
         return 0;
     }
@@ -165,9 +170,8 @@ unsigned int KxShaderProgram::build(const std::vector<std::string>& macros) {
     GLint ok = GL_FALSE;
     glGetProgramiv(program, GL_LINK_STATUS, &ok);
     if (!ok) {
-        char buffer[2048] = {0};
-        glGetProgramInfoLog(program, sizeof(buffer) - 1, nullptr, buffer);
-        theMsg->printf("Error: Shader %s does not link: %s", name_.c_str(), buffer);
+        theMsg->printf("Error: Shader %s does not link: %s", name_.c_str(),
+                       infoLog(program, glGetProgramInfoLog).c_str());
         glDeleteProgram(program);
         return 0;
     }

@@ -143,6 +143,7 @@ private:
     void GLInit(GLContextGroup& group);
     void GLUploadTubeGeometry(GLContextGroup& group);
     void GLUploadCapGeometry(GLContextGroup& group);
+    void GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(unsigned int, int) const);
     void GLUploadTubeRadii(GLContextGroup& group);
     void GLUploadTubeColors(GLContextGroup& group);
     // Which lines a draw pass takes (all visible ones, or split by the highlight bit).

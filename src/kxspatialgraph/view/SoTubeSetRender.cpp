@@ -62,13 +62,8 @@ void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
 
 // Radii and colour values go straight from the borrowed per-point arrays into
 // the mapped buffer, repeated for every side of the ring: no CPU copy is kept.
-void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
-    group.radiiDirty = false;
-    uploadBuffer(GL_ARRAY_BUFFER, group.capCenterBuffer, capVertexCenters_);
-    if (constantRadius_ || tubeVertices_.empty()) {
-        return;
-    }
-    glBindBuffer(GL_ARRAY_BUFFER, group.radiusBuffer);
+void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(unsigned int, int) const) {
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(tubeVertices_.size() * sizeof(float)), nullptr,
                  GL_STATIC_DRAW);
     auto* out = static_cast<float*>(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY));
@@ -80,36 +75,27 @@ void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
         const int m = pointCounts_[line];
         for (int j = 0; j < complexity_; ++j) {
             for (int i = 0; i < m; ++i) {
-                *dst++ = pointRadius(line, i);
+                *dst++ = (this->*value)(line, i);
             }
         }
     }
     glUnmapBuffer(GL_ARRAY_BUFFER);
 }
 
+void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
+    group.radiiDirty = false;
+    uploadBuffer(GL_ARRAY_BUFFER, group.capCenterBuffer, capVertexCenters_);
+    if (!constantRadius_ && !tubeVertices_.empty()) {
+        GLUploadPerPoint(group.radiusBuffer, &SoTubeSet::pointRadius);
+    }
+}
+
 void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
     group.colorsDirty = false;
     uploadBuffer(GL_ARRAY_BUFFER, group.capColorBuffer, capVertexColors_);
-    if (constantColor_ || colorPerLine_ || tubeVertices_.empty()) {
-        return;
+    if (!constantColor_ && !colorPerLine_ && !tubeVertices_.empty()) {
+        GLUploadPerPoint(group.colorBuffer, &SoTubeSet::pointColorValue);
     }
-    glBindBuffer(GL_ARRAY_BUFFER, group.colorBuffer);
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(tubeVertices_.size() * sizeof(float)), nullptr,
-                 GL_STATIC_DRAW);
-    auto* out = static_cast<float*>(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY));
-    if (!out) {
-        return;
-    }
-    for (unsigned int line = 0; line < numLines_; ++line) {
-        float* dst = out + vertexBase_[line];
-        const int m = pointCounts_[line];
-        for (int j = 0; j < complexity_; ++j) {
-            for (int i = 0; i < m; ++i) {
-                *dst++ = pointColorValue(line, i);
-            }
-        }
-    }
-    glUnmapBuffer(GL_ARRAY_BUFFER);
 }
 
 void SoTubeSet::GLRender(SoGLRenderAction* action) {

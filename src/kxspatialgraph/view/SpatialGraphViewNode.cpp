@@ -35,29 +35,6 @@ bool bothSelectedEdge(const SpatialGraphSelection& a, const SpatialGraphSelectio
     return e < a.getNumEdges() && e < b.getNumEdges() && a.isSelectedEdge(e) && b.isSelectedEdge(e);
 }
 
-// The points of sel in the point-set layout.
-template <class F>
-void forEachLayoutPoint(const KxSpatialGraphInterface& graph, const SpatialGraphSelection& sel, F f) {
-    int numEdges = std::min(graph.doGetNumEdges(), sel.getNumEdges());
-    for (int e = 0; e < numEdges; ++e) {
-        if (sel.allPointsOnEdgeSelected(e)) {
-            for (int p = 0; p < graph.doGetNumEdgePoints(e); ++p) {
-                f(e, p);
-            }
-        }
-    }
-    for (int i = 0; i < sel.getNumSelectedPoints(); ++i) {
-        SpatialGraphPoint point = sel.getSelectedPoint(i);
-        f(point.edgeNum, point.pointNum);
-    }
-}
-
-int countLayoutPoints(const KxSpatialGraphInterface& graph, const SpatialGraphSelection& sel) {
-    int count = 0;
-    forEachLayoutPoint(graph, sel, [&count](int, int) { ++count; });
-    return count;
-}
-
 }  // namespace
 
 SpatialGraphViewNode::SpatialGraphViewNode() {
@@ -239,22 +216,32 @@ void SpatialGraphViewNode::makeHighlightedLines(const SpatialGraphSelection* hig
 // Points
 
 void SpatialGraphViewNode::makePoints(const SpatialGraphSelection* visible) {
-    if (!visible || !graph_) {
+    makePointSet(visible, pointSeparator_, pointSet_, vertexDefaultColor_);
+}
+
+void SpatialGraphViewNode::makeHighlightedPoints(const SpatialGraphSelection* sel) {
+    makePointSet(sel, highlightedPointSeparator_, highlightedPointSet_, highlightColor_);
+}
+
+void SpatialGraphViewNode::makePointSet(const SpatialGraphSelection* sel, SoSeparator* group,
+                                        SoRefPtr<SoPointSet>& pointSet, const SbColor& colour) {
+    if (!sel || !graph_) {
         return;
     }
-    if (visible->getNumEdgesWithAllPointsSelected() == 0 && visible->getNumSelectedPoints() == 0) {
-        removePoints();
+    if (sel->getNumEdgesWithAllPointsSelected() == 0 && sel->getNumSelectedPoints() == 0) {
+        group->removeAllChildren();
+        pointSet = nullptr;
         return;
     }
-    if (!pointSet_) {
-        pointSet_ = new SoPointSet;
-        pointSet_->vertexProperty = new SoVertexProperty;
-        addShape(pointSeparator_, pointDrawStyle_, pointSet_);
+    if (!pointSet) {
+        pointSet = new SoPointSet;
+        pointSet->vertexProperty = new SoVertexProperty;
+        addShape(group, pointDrawStyle_, pointSet);
     }
-    SoVertexProperty* property = vertexPropertyOf(pointSet_);
+    SoVertexProperty* property = vertexPropertyOf(pointSet);
     property->materialBinding = SoVertexProperty::OVERALL;
-    property->orderedRGBA.setValue(vertexDefaultColor_.getPackedValue(transparency_));
-    renderPoints(visible, pointSet_);
+    property->orderedRGBA.setValue(colour.getPackedValue(transparency_));
+    renderPoints(sel, pointSet);
 }
 
 void SpatialGraphViewNode::renderPoints(const SpatialGraphSelection* sel, SoPointSet* pointSet) {
@@ -262,30 +249,13 @@ void SpatialGraphViewNode::renderPoints(const SpatialGraphSelection* sel, SoPoin
         return;
     }
     SoVertexProperty* property = vertexPropertyOf(pointSet);
-    property->vertex.setNum(countLayoutPoints(*graph_, *sel));
+    int count = 0;
+    forEachLayoutPoint(*sel, [&count](int, int) { ++count; });
+    property->vertex.setNum(count);
     SbVec3f* out = property->vertex.startEditing();
-    forEachLayoutPoint(*graph_, *sel, [&](int e, int p) { *out++ = graph_->doGetEdgePoint(e, p); });
+    forEachLayoutPoint(*sel, [&](int e, int p) { *out++ = graph_->doGetEdgePoint(e, p); });
     property->vertex.finishEditing();
     pointSet->numPoints = property->vertex.getNum();
-}
-
-void SpatialGraphViewNode::makeHighlightedPoints(const SpatialGraphSelection* sel) {
-    if (!sel || !graph_) {
-        return;
-    }
-    if (sel->getNumEdgesWithAllPointsSelected() == 0 && sel->getNumSelectedPoints() == 0) {
-        removeHighlightedPoints();
-        return;
-    }
-    if (!highlightedPointSet_) {
-        highlightedPointSet_ = new SoPointSet;
-        highlightedPointSet_->vertexProperty = new SoVertexProperty;
-        addShape(highlightedPointSeparator_, pointDrawStyle_, highlightedPointSet_);
-    }
-    SoVertexProperty* property = vertexPropertyOf(highlightedPointSet_);
-    property->materialBinding = SoVertexProperty::OVERALL;
-    property->orderedRGBA.setValue(highlightColor_.getPackedValue(transparency_));
-    renderPoints(sel, highlightedPointSet_);
 }
 
 void SpatialGraphViewNode::addShape(SoSeparator* group, SoDrawStyle* style, SoNode* shape) {

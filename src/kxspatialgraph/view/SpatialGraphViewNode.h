@@ -1,16 +1,19 @@
 #pragma once
 
+#include <algorithm>
+
 #include <Inventor/SbColor.h>
 
 #include "korva/base/HashTable.h"
 #include "korva/base/Vec3f.h"
 #include "korva/inventor/SoRefPtr.h"
+#include "kxspatialgraph/model/KxSpatialGraphInterface.h"
 #include "kxspatialgraph/model/SpatialGraphPoint.h"
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
 
 class GraphAttribute;
 class KxColormap;
 class KxPortColormap;
-class KxSpatialGraphInterface;
 class SoDrawStyle;
 class SoLineSet;
 class SoNode;
@@ -21,7 +24,6 @@ class SoSphereSet;
 class SoTransform;
 class SoTubeSet;
 class SoVertexProperty;
-class SpatialGraphSelection;
 
 // Turns one spatial graph, read through its interface at every call, into an
 // Open Inventor scene: polylines for edges, markers for edge points, spheres
@@ -132,6 +134,15 @@ private:
     void init();
     static void initRandomColormap();
     void addShape(SoSeparator* group, SoDrawStyle* style, SoNode* shape);
+    // Calls f(edge, point) for the points of sel in the point-set layout.
+    template <class F>
+    void forEachLayoutPoint(const SpatialGraphSelection& sel, F f) const;
+    void makePointSet(const SpatialGraphSelection* sel, SoSeparator* group, SoRefPtr<SoPointSet>& pointSet,
+                      const SbColor& colour);
+    // Whether attr gives colours by value (its label group's table, unless
+    // noLabelColors, or else the port); fills the table for labels.
+    bool prepareValueColors(const GraphAttribute* attr, bool noLabelColors, const KxPortColormap* port,
+                            bool& labels, HashTable<int, SbColor>& table) const;
     SbColor valueColor(const GraphAttribute* attr, int index, int point, bool labels,
                        const HashTable<int, SbColor>& table, const KxPortColormap* port) const;
     bool useLabels(const GraphAttribute* attr, bool noLabelColors) const;
@@ -166,3 +177,19 @@ private:
     SoRefPtr<SoPointSet> highlightedPointSet_;
     SoRefPtr<SoTubeSet> tubeSet_;
 };
+
+template <class F>
+void SpatialGraphViewNode::forEachLayoutPoint(const SpatialGraphSelection& sel, F f) const {
+    int numEdges = std::min(graph_->doGetNumEdges(), sel.getNumEdges());
+    for (int e = 0; e < numEdges; ++e) {
+        if (sel.allPointsOnEdgeSelected(e)) {
+            for (int p = 0; p < graph_->doGetNumEdgePoints(e); ++p) {
+                f(e, p);
+            }
+        }
+    }
+    for (int i = 0; i < sel.getNumSelectedPoints(); ++i) {
+        SpatialGraphPoint point = sel.getSelectedPoint(i);
+        f(point.edgeNum, point.pointNum);
+    }
+}

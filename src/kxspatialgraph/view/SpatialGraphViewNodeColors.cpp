@@ -78,20 +78,27 @@ void SpatialGraphViewNode::createColorTable(const GraphAttribute* attr,
     }
 }
 
+bool SpatialGraphViewNode::prepareValueColors(const GraphAttribute* attr, bool noLabelColors,
+                                              const KxPortColormap* port, bool& labels,
+                                              HashTable<int, SbColor>& table) const {
+    labels = attr && useLabels(attr, noLabelColors);
+    if (labels) {
+        createColorTable(attr, table);
+    }
+    return attr && (labels || port);
+}
+
 void SpatialGraphViewNode::setLineColor(const SpatialGraphSelection* sel, const GraphAttribute* attr,
                                         bool noLabelColors) {
     if (!lineSet_ || !sel || !graph_) {
         return;
     }
     SoVertexProperty* property = vertexPropertyOf(lineSet_);
-    bool labels = attr && useLabels(attr, noLabelColors);
-    if (!attr || (!labels && !edgeColormapPort_)) {
+    bool labels = false;
+    HashTable<int, SbColor> table;
+    if (!prepareValueColors(attr, noLabelColors, edgeColormapPort_, labels, table)) {
         setOverall(property, edgeDefaultColor_, transparency_);
         return;
-    }
-    HashTable<int, SbColor> table;
-    if (labels) {
-        createColorTable(attr, table);
     }
     const bool perPoint = dynamic_cast<const PointAttribute*>(attr) != nullptr;
     int numEdges = std::min(graph_->doGetNumEdges(), sel->getNumEdges());
@@ -121,14 +128,11 @@ void SpatialGraphViewNode::setPointsColor(const SpatialGraphSelection* sel, cons
         return;
     }
     SoVertexProperty* property = vertexPropertyOf(pointSet_);
-    bool labels = attr && useLabels(attr, noLabelColors);
-    if (!attr || (!labels && !edgeColormapPort_)) {
+    bool labels = false;
+    HashTable<int, SbColor> table;
+    if (!prepareValueColors(attr, noLabelColors, edgeColormapPort_, labels, table)) {
         setOverall(property, vertexDefaultColor_, transparency_);
         return;
-    }
-    HashTable<int, SbColor> table;
-    if (labels) {
-        createColorTable(attr, table);
     }
     // Every marker takes its point's value, or its edge's value for edge attributes.
     const bool perPoint = dynamic_cast<const PointAttribute*>(attr) != nullptr;
@@ -137,17 +141,7 @@ void SpatialGraphViewNode::setPointsColor(const SpatialGraphSelection* sel, cons
         colours.push_back(valueColor(attr, e, perPoint ? p : 0, labels, table, edgeColormapPort_)
                               .getPackedValue(transparency_));
     };
-    int numEdges = std::min(graph_->doGetNumEdges(), sel->getNumEdges());
-    for (int e = 0; e < numEdges; ++e) {
-        if (sel->allPointsOnEdgeSelected(e)) {
-            for (int p = 0; p < graph_->doGetNumEdgePoints(e); ++p) {
-                addColour(e, p);
-            }
-        }
-    }
-    for (int i = 0; i < sel->getNumSelectedPoints(); ++i) {
-        addColour(sel->getSelectedPoint(i).edgeNum, sel->getSelectedPoint(i).pointNum);
-    }
+    forEachLayoutPoint(*sel, addColour);
     property->materialBinding = SoVertexProperty::PER_VERTEX;
     property->orderedRGBA.setValues(0, static_cast<int>(colours.size()), colours.data());
     property->orderedRGBA.setNum(static_cast<int>(colours.size()));
@@ -160,14 +154,12 @@ void SpatialGraphViewNode::setVertexColor(const SpatialGraphSelection* sel, cons
     }
     int n = sphereSet_->getNumSpheres();
     const auto* values = dynamic_cast<const EdgeVertexAttribute*>(attr);
-    bool labels = values && useLabels(values, noLabelColors);
-    if (!values || values->size() < n || (!labels && !vertexColormapPort_)) {
+    bool labels = false;
+    HashTable<int, SbColor> table;
+    if (!values || values->size() < n ||
+        !prepareValueColors(values, noLabelColors, vertexColormapPort_, labels, table)) {
         sphereSet_->colors.setValue(vertexDefaultColor_);
         return;
-    }
-    HashTable<int, SbColor> table;
-    if (labels) {
-        createColorTable(values, table);
     }
     sphereSet_->colors.setNum(n);
     SbColor* colours = sphereSet_->colors.startEditing();

@@ -169,12 +169,9 @@ void SpatialGraphViewNode::makeTubes(const SpatialGraphSelection* visible, const
         radii = nullptr;
     }
     const auto* pointColors = dynamic_cast<const PointAttribute*>(colorAttr);
-    bool labels = colorAttr && useLabels(colorAttr, noLabelColors);
+    bool labels = false;
     HashTable<int, SbColor> table;
-    if (labels) {
-        createColorTable(colorAttr, table);
-    }
-    bool colourByValue = colorAttr && (labels || edgeColormapPort_);
+    bool colourByValue = prepareValueColors(colorAttr, noLabelColors, edgeColormapPort_, labels, table);
 
     auto* coords = new SoCoordinate3;
     auto* faces = new SoIndexedFaceSet;
