@@ -1,9 +1,12 @@
 // korva render FILE OUT.png [WIDTH HEIGHT]: loads a file and draws the first
 // object in it that has a default scene (see KxSceneBuilders) into a PNG,
-// offscreen, through a camera that frames the scene.
+// offscreen, through a camera that frames the scene. A FILE ending in ".tcl"
+// is run as a script instead, and the first object it leaves in the pool
+// that can be drawn is drawn.
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 #include <Inventor/nodes/SoNode.h>
@@ -34,7 +37,12 @@ bool parseSize(const char* text, int& value) {
     return true;
 }
 
-int runRender(KorvaSession&, int argc, char** argv) {
+bool isScript(const char* path) {
+    size_t n = std::strlen(path);
+    return n > 4 && std::strcmp(path + n - 4, ".tcl") == 0;
+}
+
+int runRender(KorvaSession& session, int argc, char** argv) {
     int width = 800, height = 600;
     if (argc != 2 && argc != 4) {
         return usage();
@@ -43,7 +51,14 @@ int runRender(KorvaSession&, int argc, char** argv) {
         return usage();
     }
     std::vector<KxObject*> created;
-    if (!theFileFormats->load(argv[0], created, *theObjectPool)) {
+    if (isScript(argv[0])) {
+        if (session.runScript(argv[0], 0, nullptr) != 0) {
+            return 1;
+        }
+        for (int i = 0; i < theObjectPool->size(); ++i) {
+            created.push_back(theObjectPool->get(i));
+        }
+    } else if (!theFileFormats->load(argv[0], created, *theObjectPool)) {
         return 1;
     }
     SoNode* scene = nullptr;
