@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include <QImage>
+
 #include "support/TempDir.h"
 
 namespace {
@@ -189,4 +191,40 @@ TEST_F(KorvaTest, UsageListsTheSubcommands) {
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.out.find("korva convert IN OUT"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("korva info FILE ..."), std::string::npos) << run.out;
+}
+
+TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
+    // Two thick tubes crossing the middle of the picture, seen from +z.
+    write("cross.tcl",
+          "set g [create KxSpatialGraph cross]\n"
+          "set a [$g addVertex -10 0 0]\nset b [$g addVertex 10 0 0]\n"
+          "set c [$g addVertex 0 -10 0]\nset d [$g addVertex 0 10 0]\n"
+          "$g addEdge $a $b\n$g addEdge $c $d\n"
+          "$g addAttribute thickness POINT float\n"
+          "foreach e {0 1} { foreach p {0 1} { $g setValue POINT thickness $e $p 2.0 } }\n");
+    for (bool legacy : {false, true}) {
+        SCOPED_TRACE(legacy ? "legacy tubes" : "GPU tubes");
+        std::string png = dir_.path(legacy ? "legacy.png" : "gpu.png");
+        KorvaRun run =
+            legacy ? korva({"-c", "set ::env(KORVA_LEGACY_TUBES) 1; exec " + std::string(KORVA_BINARY_DIR) +
+                                      "/bin/korva render cross.tcl " + png + " 120 80"})
+                   : korva({"render", "cross.tcl", png, "120", "80"});
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(legacy, run.out.find("Falling back to legacy tube rendering") != std::string::npos ||
+                              run.err.find("Falling back to legacy tube rendering") != std::string::npos)
+            << run.out << run.err;
+        QImage image(QString::fromStdString(png));
+        ASSERT_EQ(image.width(), 120);
+        ASSERT_EQ(image.height(), 80);
+        EXPECT_GT(image.pixelColor(60, 40).red(), 100);  // where the tubes cross
+        EXPECT_EQ(image.pixelColor(5, 5).red(), 0);      // background corner
+    }
+
+    write("empty.tcl", "set x 1\n");
+    KorvaRun nothing = korva({"render", "empty.tcl", dir_.path("none.png")});
+    EXPECT_EQ(nothing.status, 1);
+    EXPECT_NE(nothing.err.find("Error: Nothing in empty.tcl can be rendered."), std::string::npos)
+        << nothing.err;
+    EXPECT_EQ(korva({"render", "cross.tcl"}).status, 2);
+    EXPECT_EQ(korva({"render", "cross.tcl", "x.png", "0", "80"}).status, 2);
 }
