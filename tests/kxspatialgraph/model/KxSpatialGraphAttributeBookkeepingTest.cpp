@@ -344,6 +344,17 @@ TEST(KxSpatialGraphAttributeBookkeepingTest, UnsuppliedValueAtTheEndIsNotAdded) 
     EXPECT_FALSE(g->isConsistent());
     EXPECT_TRUE(capture.contains(
         "Error: unequal number of vertices (8) and vertex values (7) for attribute VertexMarker"));
+
+    // The same for an edge appended by insertEdge; point attributes always get a block.
+    auto h = markedGraph();
+    h->insertEdge(4, SpatialGraphEdge(5, 6), straightPoints(h->getVertexCoords(5), h->getVertexCoords(6), 3),
+                  {}, {}, {}, {});
+    capture.clear();
+    EXPECT_FALSE(h->isConsistent());
+    EXPECT_EQ(capture.lines(),
+              std::vector<std::string>{
+                  "Error: unequal number of edges (5) and edge values (4) for attribute EdgeMarker"});
+    EXPECT_EQ(h->findEdgePointAttribute("PointMarker")->getNumEdgePoints(4), 3);
 }
 
 namespace {
