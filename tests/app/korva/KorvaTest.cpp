@@ -52,6 +52,12 @@ protected:
         std::string in = dir_.path(".stdin"), out = dir_.path(".stdout"), err = dir_.path(".stderr");
         std::ofstream(in) << input;
         std::string command = "cd " + quote(dir_.path()) + " && ";
+        // In a sanitizer build korva's leak check must ignore third-party
+        // libraries as scripts/test tells it to, also when ctest runs alone.
+        if (!std::getenv("LSAN_OPTIONS")) {
+            command += "LSAN_OPTIONS=suppressions=" + quote(KORVA_SOURCE_DIR "/scripts/lsan.supp") +
+                       ":print_suppressions=0 ";
+        }
         if (testPackage) {
             command +=
                 "KORVA_PACKAGE_PATH=" + quote(KORVA_TEST_PACKAGE_DIR) + " KORVA_PACKAGES=kxtestpackage ";
