@@ -134,5 +134,5 @@ private:
     KxParamBundle parameters_;
     // The file contents when read from a file: uncompressed binary arrays
     // point straight into it, so they are never copied a second time.
-    std::unique_ptr<char[]> fileContents_;
+    std::shared_ptr<char> fileContents_;
 };

@@ -1,6 +1,7 @@
 #include "korva/korvamesh/KorvaMeshReader.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -13,6 +14,7 @@
 #include <new>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxWorkArea.h"
 #include "korva/korvamesh/KorvaMesh.h"
 #include "korva/korvamesh/KorvaMeshFormat.h"
 
@@ -81,6 +83,61 @@ const char* matchingBrace(const char* p, const char* end, std::string& error) {
     return nullptr;
 }
 
+// A page-aligned buffer for a whole file. Large buffers ask for transparent
+// huge pages: filling a fresh buffer of hundreds of megabytes page by page
+// costs more than copying the file into it.
+std::shared_ptr<char> allocateFileBuffer(size_t size) {
+    size_t length = size + 1;
+    void* p = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (p == MAP_FAILED) {
+        return nullptr;
+    }
+    if (length >= (size_t(1) << 21)) {
+        ::madvise(p, length, MADV_HUGEPAGE);
+    }
+    return std::shared_ptr<char>(static_cast<char*>(p), [length](char* q) { ::munmap(q, length); });
+}
+
+// The file mapped read-only, its pages entered at once; null if it cannot be
+// mapped. Deliberate: a mapped file that another program truncates while we
+// read it ends the process (SIGBUS). Korva's own writers never change a file
+// in place (they rename a new file over it), so this does not happen between
+// Korva sessions, and the mapping saves copying the whole file once.
+std::shared_ptr<char> mapFile(int fd, size_t size) {
+    if (size == 0) {
+        return nullptr;
+    }
+    void* p = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+    if (p == MAP_FAILED) {
+        return nullptr;
+    }
+    return std::shared_ptr<char>(static_cast<char*>(p), [size](char* q) { ::munmap(q, size); });
+}
+
+// Reads the whole file with read(), for files that cannot be mapped.
+bool readWholeFile(int fd, size_t size, const char* filename, std::shared_ptr<char>& contents) {
+    contents = allocateFileBuffer(size);
+    if (!contents) {
+        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": not enough memory for %zu bytes.", filename,
+                       size);
+        return false;
+    }
+    size_t done = 0;
+    while (done < size) {
+        ssize_t n = ::read(fd, contents.get() + done, size - done);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            theMsg->printf("Error: cannot read KorvaMesh file \"%s\": %s.", filename,
+                           n < 0 ? std::strerror(errno) : "the file shrank while it was read");
+            return false;
+        }
+        done += static_cast<size_t>(n);
+    }
+    return true;
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -113,31 +170,12 @@ std::unique_ptr<KorvaMesh> KorvaMeshReader::readFile(const char* filename) {
         return nullptr;
     }
     size_t size = static_cast<size_t>(st.st_size);
-    std::unique_ptr<char[]> contents(new (std::nothrow) char[size + 1]);
-    if (!contents) {
+    std::shared_ptr<char> contents = mapFile(fd, size);
+    if (!contents && !readWholeFile(fd, size, filename, contents)) {
         ::close(fd);
-        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": not enough memory for %zu bytes.", filename,
-                       size);
         return nullptr;
     }
-    size_t done = 0;
-    while (done < size) {
-        ssize_t n = ::read(fd, contents.get() + done, size - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            break;
-        }
-        done += static_cast<size_t>(n);
-    }
-    int error = errno;
     ::close(fd);
-    if (done < size) {
-        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": %s.", filename,
-                       done == 0 && error ? std::strerror(error) : "the file shrank while it was read");
-        return nullptr;
-    }
     std::unique_ptr<KorvaMesh> mesh(new KorvaMesh);
     KorvaMeshReader reader(contents.get(), size, filename, *mesh, true);
     mesh->fileContents_ = std::move(contents);
@@ -182,7 +220,10 @@ bool KorvaMeshReader::parse() {
     if (!parseHeader()) {
         return false;
     }
-    return ascii_ ? readAsciiData() : readBinaryData();
+    theWorkArea->startWorking(String::format("Reading %s", name_), static_cast<int>(arrays_.size()));
+    bool ok = ascii_ ? readAsciiData() : readBinaryData();
+    theWorkArea->stopWorking();
+    return ok;
 }
 
 // ---------------------------------------------------------------------------
@@ -475,7 +516,7 @@ bool KorvaMeshReader::readBinaryData() {
     const bool swap = !hostIsLittleEndian();
     size_t offset = static_cast<size_t>(p_ - begin_);
     const size_t size = static_cast<size_t>(end_ - begin_);
-    for (size_t i = 0; i < arrays_.size(); ++i) {
+    for (size_t i = 0; i < arrays_.size(); ++i, theWorkArea->step()) {
         const ArrayEntry& e = arrays_[i];
         offset += KorvaMeshFormat::padding(offset);
         if (offset > size || e.storedBytes > size - offset) {
@@ -598,7 +639,7 @@ bool KorvaMeshReader::readCompressed(const ArrayEntry& e, const char* src, std::
 // ASCII data
 
 bool KorvaMeshReader::readAsciiData() {
-    for (size_t i = 0; i < arrays_.size(); ++i) {
+    for (size_t i = 0; i < arrays_.size(); ++i, theWorkArea->step()) {
         const ArrayEntry& e = arrays_[i];
         const char* at = tokenStart();
         std::string marker = "@" + std::to_string(i + 1);

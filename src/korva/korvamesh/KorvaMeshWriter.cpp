@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxWorkArea.h"
 #include "korva/korvamesh/KorvaMesh.h"
 #include "korva/korvamesh/KorvaMeshFormat.h"
 
@@ -219,7 +220,7 @@ std::string KorvaMeshWriter::header(bool ascii, const std::vector<Stored>& store
 }
 
 void KorvaMeshWriter::writeBinaryData(Output& out, const std::vector<Stored>& stored) const {
-    for (int i = 0; i < mesh_.getNumData(); ++i) {
+    for (int i = 0; i < mesh_.getNumData(); ++i, theWorkArea->step()) {
         const KorvaMesh::Data* d = mesh_.getData(i);
         const Stored& s = stored[static_cast<size_t>(i)];
         out.align();
@@ -234,7 +235,7 @@ void KorvaMeshWriter::writeBinaryData(Output& out, const std::vector<Stored>& st
 }
 
 void KorvaMeshWriter::writeAsciiData(Output& out) const {
-    for (int i = 0; i < mesh_.getNumData(); ++i) {
+    for (int i = 0; i < mesh_.getNumData(); ++i, theWorkArea->step()) {
         const KorvaMesh::Data* d = mesh_.getData(i);
         out.append("@" + std::to_string(i + 1) + '\n');
         int64_t rows = d->getLocation()->getSize();
@@ -293,12 +294,14 @@ bool KorvaMeshWriter::write(const char* filename, bool ascii) {
     }
     Output out(fd);
     out.append(header(ascii, stored));
+    theWorkArea->startWorking(String::format("Writing %s", filename), mesh_.getNumData());
     if (ascii) {
         writeAsciiData(out);
     } else {
         writeBinaryData(out, stored);
     }
     out.flush();
+    theWorkArea->stopWorking();
     int error = out.error();
     if (error == 0 && (::fchmod(fd, newFileMode(filename)) != 0 || ::fsync(fd) != 0)) {
         error = errno;

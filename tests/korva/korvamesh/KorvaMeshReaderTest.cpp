@@ -245,11 +245,15 @@ TEST(KorvaMeshReaderTest, ReadsFilesInPlaceAndReportsMissingFiles) {
     KxMessageCapture capture;
     EXPECT_FALSE(KorvaMeshReader::readFile(dir.path("missing.kxm").c_str()));
     EXPECT_FALSE(KorvaMeshReader::readFile(dir.path().c_str()));
-    ASSERT_EQ(capture.lines().size(), 2u);
+    writeFileBytes(dir.path("empty.kxm"), "");
+    EXPECT_FALSE(KorvaMeshReader::readFile(dir.path("empty.kxm").c_str()));
+    ASSERT_EQ(capture.lines().size(), 3u);
     EXPECT_EQ(capture.lines()[0], "Error: cannot read KorvaMesh file \"" + dir.path("missing.kxm") +
                                       "\": No such file or directory.");
     EXPECT_EQ(capture.lines()[1],
               "Error: cannot read KorvaMesh file \"" + dir.path() + "\": not a regular file.");
+    EXPECT_EQ(capture.lines()[2], "Error: cannot read KorvaMesh file \"" + dir.path("empty.kxm") +
+                                      "\": not a KorvaMesh file (it does not start with \"KorvaMesh\").");
 }
 
 }  // namespace
