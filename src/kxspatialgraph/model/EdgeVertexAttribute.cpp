@@ -34,7 +34,9 @@ void EdgeVertexAttribute::remax(int n) {
         return;
     }
     std::vector<unsigned char> exact(offset(n), 0);
-    std::memcpy(exact.data(), bytes_.data(), offset(count_));
+    if (count_ > 0) {  // an attribute without values may have no buffer yet
+        std::memcpy(exact.data(), bytes_.data(), offset(count_));
+    }
     bytes_.swap(exact);
 }
 

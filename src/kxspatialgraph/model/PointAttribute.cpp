@@ -15,6 +15,9 @@ void PointAttribute::resizeValues(int total) {
 }
 
 void PointAttribute::openValues(int at, int n) {
+    if (n == 0) {  // an empty attribute may have no buffer to point into
+        return;
+    }
     int total = size();
     resizeValues(total + n);
     EdgeBlockLayout::openGap(bytes_.data(), getElementSize(), total, at, n);

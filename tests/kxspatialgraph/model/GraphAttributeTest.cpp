@@ -100,6 +100,8 @@ TEST(GraphAttributeTest, DeletingAnAttributeKeepsItsLabelGroup) {
 TEST(GraphAttributeTest, EdgeVertexGuardsDoNothingWhenTheyFail) {
     KxSpatialGraph g;
     EdgeVertexAttribute a(&g, "a", PrimType::INT32, 1);
+    a.remax(4);  // room before the first value (a size hint on an empty graph)
+    EXPECT_EQ(a.capacity(), 4);
     a.insertBefore(0, 1);  // empty: no-op
     a.remove(0, 1);
     a.removeLast(1);
@@ -173,6 +175,12 @@ TEST(GraphAttributeTest, MultipleValueOperationsMatchSingleOnes) {
 
 TEST(GraphAttributeTest, PointAttributeBlocksFollowTheirEdges) {
     KxSpatialGraph g;
+    PointAttribute empty(&g, "e", PrimType::INT32, 1);
+    empty.insertEdgeBefore(0, 0);  // an edge without points, before any value exists
+    empty.insertEdgeBefore(1, TypedData2D());
+    EXPECT_EQ(empty.getNumEdges(), 2);
+    EXPECT_EQ(empty.size(), 0);
+
     PointAttribute a(&g, "p", PrimType::INT32, 1);
     a.init(DArray<int>{2, 3});
     a.setValues(0, rows({1, 2}));
