@@ -6,6 +6,8 @@
 #include <cstring>
 #include <memory>
 
+#include "korva/core/KxTextScanner.h"
+
 KxParamBundle::KxParamBundle(const char* name) : name_(name ? name : "") {}
 
 KxParamBundle::KxParamBundle(const KxParamBundle& other) : name_(other.name_) {
@@ -233,32 +235,6 @@ const char* kindName(KxParam::Kind kind) {
     }
 }
 
-void appendQuoted(std::string& out, const std::string& s) {
-    out += '"';
-    for (char c : s) {
-        switch (c) {
-            case '"':
-                out += "\\\"";
-                break;
-            case '\\':
-                out += "\\\\";
-                break;
-            case '\n':
-                out += "\\n";
-                break;
-            case '\r':
-                out += "\\r";
-                break;
-            case '\t':
-                out += "\\t";
-                break;
-            default:
-                out += c;
-        }
-    }
-    out += '"';
-}
-
 void appendNumber(std::string& out, KxParam::Kind kind, double v) {
     char buf[64];
     std::to_chars_result r;
@@ -271,91 +247,6 @@ void appendNumber(std::string& out, KxParam::Kind kind, double v) {
     }
     out.append(buf, r.ptr);
 }
-
-// Tokens of the text form: quoted strings, braces and bare words.
-class Scanner {
-public:
-    Scanner(const char* text, size_t length) : p_(text), end_(text + length) {}
-
-    enum Token { END, QUOTED, OPEN, CLOSE, WORD, BAD };
-
-    Token next(std::string& value) {
-        skipSpaceAndComments();
-        value.clear();
-        if (p_ >= end_) {
-            return END;
-        }
-        char c = *p_;
-        if (c == '{' || c == '}') {
-            ++p_;
-            return c == '{' ? OPEN : CLOSE;
-        }
-        if (c == '"') {
-            return quoted(value);
-        }
-        while (p_ < end_ && !isSpace(*p_) && *p_ != '{' && *p_ != '}' && *p_ != '"' && *p_ != '#') {
-            value += *p_++;
-        }
-        return WORD;
-    }
-
-    Token peek() {
-        skipSpaceAndComments();
-        if (p_ >= end_) {
-            return END;
-        }
-        return *p_ == '"' ? QUOTED : *p_ == '{' ? OPEN : *p_ == '}' ? CLOSE : WORD;
-    }
-
-    int line() const { return line_; }
-
-private:
-    static bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-    void skipSpaceAndComments() {
-        while (p_ < end_) {
-            if (*p_ == '\n') {
-                ++line_;
-                ++p_;
-            } else if (isSpace(*p_)) {
-                ++p_;
-            } else if (*p_ == '#') {
-                while (p_ < end_ && *p_ != '\n') {
-                    ++p_;
-                }
-            } else {
-                break;
-            }
-        }
-    }
-
-    Token quoted(std::string& value) {
-        ++p_;
-        while (p_ < end_ && *p_ != '"') {
-            char c = *p_++;
-            if (c == '\n') {
-                ++line_;
-            }
-            if (c == '\\') {
-                if (p_ >= end_) {
-                    return BAD;
-                }
-                char e = *p_++;
-                c = e == 'n' ? '\n' : e == 'r' ? '\r' : e == 't' ? '\t' : e;
-            }
-            value += c;
-        }
-        if (p_ >= end_) {
-            return BAD;
-        }
-        ++p_;
-        return QUOTED;
-    }
-
-    const char* p_;
-    const char* end_;
-    int line_ = 1;
-};
 
 bool parseNumber(const std::string& word, KxParam::Kind kind, double& value) {
     const char* first = word.data();
@@ -390,12 +281,12 @@ void KxParamBundle::writeText(std::string& out, int indent) const {
     std::string pad(static_cast<size_t>(indent), ' ');
     for (const KxParam& p : params_) {
         out += pad;
-        appendQuoted(out, p.getName());
+        KxTextScanner::appendQuoted(out, p.getName());
         out += ' ';
         out += kindName(p.getKind());
         if (p.getKind() == KxParam::STRING) {
             out += ' ';
-            appendQuoted(out, p.getString());
+            KxTextScanner::appendQuoted(out, p.getString());
         } else {
             for (double v : p.values()) {
                 out += ' ';
@@ -406,7 +297,7 @@ void KxParamBundle::writeText(std::string& out, int indent) const {
     }
     for (const KxParamBundle* b : bundles_) {
         out += pad;
-        appendQuoted(out, b->name_);
+        KxTextScanner::appendQuoted(out, b->name_);
         out += " {\n";
         b->writeText(out, indent + 2);
         out += pad;
@@ -417,34 +308,34 @@ void KxParamBundle::writeText(std::string& out, int indent) const {
 bool KxParamBundle::fromText(const char* text, size_t length, std::string& error) {
     std::unique_ptr<KxParamBundle> result(new KxParamBundle(name_.c_str()));
     std::vector<KxParamBundle*> stack{result.get()};
-    Scanner scanner(text, length);
+    KxTextScanner scanner(text, length);
     std::string token;
     auto fail = [&](const std::string& what) {
         error = "line " + std::to_string(scanner.line()) + ": " + what;
         return false;
     };
     while (true) {
-        Scanner::Token t = scanner.next(token);
-        if (t == Scanner::END) {
+        KxTextScanner::Token t = scanner.next(token);
+        if (t == KxTextScanner::END) {
             break;
         }
-        if (t == Scanner::CLOSE) {
+        if (t == KxTextScanner::CLOSE) {
             if (stack.size() == 1) {
                 return fail("unmatched '}'");
             }
             stack.pop_back();
             continue;
         }
-        if (t != Scanner::QUOTED) {
+        if (t != KxTextScanner::QUOTED) {
             return fail("expected a quoted name");
         }
         std::string name = token;
         t = scanner.next(token);
-        if (t == Scanner::OPEN) {
+        if (t == KxTextScanner::OPEN) {
             stack.push_back(stack.back()->addBundle(name.c_str()));
             continue;
         }
-        if (t != Scanner::WORD) {
+        if (t != KxTextScanner::WORD) {
             return fail("expected a type or '{' after \"" + name + "\"");
         }
         KxParam::Kind kind;
@@ -461,13 +352,13 @@ bool KxParamBundle::fromText(const char* text, size_t length, std::string& error
         }
         KxParam& param = stack.back()->paramForSet(name.c_str(), kind);
         if (kind == KxParam::STRING) {
-            if (scanner.next(token) != Scanner::QUOTED) {
+            if (scanner.next(token) != KxTextScanner::QUOTED) {
                 return fail("expected a quoted string value for \"" + name + "\"");
             }
             param.setString(token);
             continue;
         }
-        while (scanner.peek() == Scanner::WORD) {
+        while (scanner.peek() == KxTextScanner::WORD) {
             scanner.next(token);
             double v;
             if (!parseNumber(token, kind, v)) {

@@ -2,18 +2,9 @@
 
 #include <cstring>
 
-#include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/korvamesh/KorvaMeshReader.h"
 #include "korva/korvamesh/KorvaMeshWriter.h"
-
-namespace {
-// The registry learns KorvaMesh content types when the library is loaded.
-const bool gProbeRegistered = [] {
-    theFileFormats->addContentProbe(&KorvaMesh::probeContentType);
-    return true;
-}();
-}  // namespace
 
 KorvaMesh::KorvaMesh() = default;
 KorvaMesh::~KorvaMesh() = default;

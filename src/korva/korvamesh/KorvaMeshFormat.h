@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <cstdint>
+#include <cstring>
+
+#include "korva/base/PrimType.h"
 
 // Constants and small helpers shared by the KorvaMesh reader and writer; the
 // format itself is described in docs/korvamesh.md.
@@ -18,35 +21,56 @@ constexpr int kCompressionLevel = 1;
 // bundle can exhaust the stack on a hostile file.
 constexpr int kMaxBundleDepth = 100;
 
+// The binary encoding is little-endian; other hosts swap bytes.
+inline bool hostIsLittleEndian() {
+    const uint16_t one = 1;
+    unsigned char first;
+    std::memcpy(&first, &one, 1);
+    return first == 1;
+}
+
 inline size_t padding(size_t offset) {
     return (kAlignment - offset % kAlignment) % kAlignment;
 }
 
-// A name as a double-quoted string with \" \\ \n \r \t escapes.
-inline std::string quote(const char* name) {
-    std::string out = "\"";
-    for (const char* c = name; *c; ++c) {
-        switch (*c) {
-            case '"':
-                out += "\\\"";
-                break;
-            case '\\':
-                out += "\\\\";
-                break;
-            case '\n':
-                out += "\\n";
-                break;
-            case '\r':
-                out += "\\r";
-                break;
-            case '\t':
-                out += "\\t";
-                break;
-            default:
-                out += *c;
-        }
+// Calls f with a null pointer of the C++ type of a primitive type, for code
+// that handles every value type alike: f(static_cast<float*>(nullptr)).
+template <class F>
+void visitType(PrimType type, F&& f) {
+    switch (type.getType()) {
+        case PrimType::INT8:
+            f(static_cast<int8_t*>(nullptr));
+            break;
+        case PrimType::UINT8:
+            f(static_cast<uint8_t*>(nullptr));
+            break;
+        case PrimType::INT16:
+            f(static_cast<int16_t*>(nullptr));
+            break;
+        case PrimType::UINT16:
+            f(static_cast<uint16_t*>(nullptr));
+            break;
+        case PrimType::INT32:
+            f(static_cast<int32_t*>(nullptr));
+            break;
+        case PrimType::UINT32:
+            f(static_cast<uint32_t*>(nullptr));
+            break;
+        case PrimType::INT64:
+            f(static_cast<int64_t*>(nullptr));
+            break;
+        case PrimType::UINT64:
+            f(static_cast<uint64_t*>(nullptr));
+            break;
+        case PrimType::FLOAT32:
+            f(static_cast<float*>(nullptr));
+            break;
+        case PrimType::FLOAT64:
+            f(static_cast<double*>(nullptr));
+            break;
+        default:
+            break;
     }
-    return out + '"';
 }
 
 }  // namespace KorvaMeshFormat

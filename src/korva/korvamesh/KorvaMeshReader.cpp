@@ -14,22 +14,12 @@
 #include <new>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxTextScanner.h"
 #include "korva/core/KxWorkArea.h"
 #include "korva/korvamesh/KorvaMesh.h"
 #include "korva/korvamesh/KorvaMeshFormat.h"
 
 namespace {
-
-bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-bool hostIsLittleEndian() {
-    const uint16_t one = 1;
-    unsigned char first;
-    std::memcpy(&first, &one, 1);
-    return first == 1;
-}
 
 // Text from the file as it may appear in a message: short, one line.
 std::string printable(const std::string& text) {
@@ -47,40 +37,25 @@ bool parseWhole(const std::string& word, T& value) {
     return r.ec == std::errc() && r.ptr == last;
 }
 
-// Scans a parameter block from just after its '{' to the matching '}', with
-// the quoting and comment rules of the bundle text form. Answers the position
-// of that '}' or null, with the reason in error.
-const char* matchingBrace(const char* p, const char* end, std::string& error) {
-    int depth = 1;
-    while (p < end) {
-        char c = *p;
-        if (c == '"') {
-            for (++p; p < end && *p != '"'; ++p) {
-                if (*p == '\\') {
-                    ++p;
-                }
-            }
-            if (p >= end) {
-                break;
-            }
-        } else if (c == '#') {
-            while (p < end && *p != '\n') {
-                ++p;
-            }
-            continue;
-        } else if (c == '{') {
-            if (++depth > KorvaMeshFormat::kMaxBundleDepth) {
-                error = "parameter bundles nested deeper than " +
-                        std::to_string(KorvaMeshFormat::kMaxBundleDepth);
-                return nullptr;
-            }
-        } else if (c == '}' && --depth == 0) {
-            return p;
+// Scans a parameter block from just after its '{' to the matching '}'.
+// Answers the position of that '}' or null, with the reason in error.
+const char* matchingBrace(KxTextScanner& scanner, std::string& error) {
+    std::string token;
+    for (int depth = 1;;) {
+        KxTextScanner::Token t = scanner.next(token);
+        if (t == KxTextScanner::END || t == KxTextScanner::BAD) {
+            error = "the parameter block has no closing '}'";
+            return nullptr;
         }
-        ++p;
+        if (t == KxTextScanner::OPEN && ++depth > KorvaMeshFormat::kMaxBundleDepth) {
+            error =
+                "parameter bundles nested deeper than " + std::to_string(KorvaMeshFormat::kMaxBundleDepth);
+            return nullptr;
+        }
+        if (t == KxTextScanner::CLOSE && --depth == 0) {
+            return scanner.position() - 1;
+        }
     }
-    error = "the parameter block has no closing '}'";
-    return nullptr;
 }
 
 // A page-aligned buffer for a whole file. Large buffers ask for transparent
@@ -145,7 +120,8 @@ bool readWholeFile(int fd, size_t size, const char* filename, std::shared_ptr<ch
 
 bool KorvaMeshReader::hasSignature(const char* bytes, size_t size) {
     size_t n = std::strlen(KorvaMeshFormat::kSignature);
-    return size > n && std::memcmp(bytes, KorvaMeshFormat::kSignature, n) == 0 && isBlank(bytes[n]);
+    return size > n && std::memcmp(bytes, KorvaMeshFormat::kSignature, n) == 0 &&
+           KxTextScanner::isBlank(bytes[n]);
 }
 
 std::unique_ptr<KorvaMesh> KorvaMeshReader::readMemory(const char* bytes, size_t size, const char* name) {
@@ -197,7 +173,13 @@ bool KorvaMeshReader::probeContentType(const char* bytes, size_t size, std::stri
 
 KorvaMeshReader::KorvaMeshReader(const char* bytes, size_t size, const char* name, KorvaMesh& mesh,
                                  bool inPlace)
-    : begin_(bytes), end_(bytes + size), p_(bytes), name_(name), mesh_(mesh), inPlace_(inPlace) {}
+    : begin_(bytes),
+      end_(bytes + size),
+      p_(bytes),
+      scanner_(bytes, size),
+      name_(name),
+      mesh_(mesh),
+      inPlace_(inPlace) {}
 
 bool KorvaMeshReader::fail(const char* fmt, ...) {
     va_list args;
@@ -209,7 +191,7 @@ bool KorvaMeshReader::fail(const char* fmt, ...) {
 }
 
 int KorvaMeshReader::lineAt(const char* p) const {
-    return 1 + static_cast<int>(std::count(begin_, p, '\n'));
+    return scanner_.lineAt(p);
 }
 
 bool KorvaMeshReader::parse() {
@@ -230,61 +212,24 @@ bool KorvaMeshReader::parse() {
 // Header
 
 void KorvaMeshReader::skipBlanks() {
-    while (p_ < end_) {
-        if (isBlank(*p_)) {
-            ++p_;
-        } else if (*p_ == '#') {
-            while (p_ < end_ && *p_ != '\n') {
-                ++p_;
-            }
-        } else {
-            break;
-        }
-    }
+    tokenStart();
 }
 
 const char* KorvaMeshReader::tokenStart() {
-    skipBlanks();
-    return p_;
+    scanner_.setPosition(p_);
+    return p_ = scanner_.skipBlanks();
 }
 
-KorvaMeshReader::Token KorvaMeshReader::next(std::string& value) {
-    skipBlanks();
-    value.clear();
-    if (p_ >= end_) {
-        return END;
-    }
-    char c = *p_;
-    if (c == '{' || c == '}') {
-        ++p_;
-        return c == '{' ? OPEN : CLOSE;
-    }
-    if (c != '"') {
-        while (p_ < end_ && !isBlank(*p_) && *p_ != '"' && *p_ != '{' && *p_ != '}' && *p_ != '#') {
-            value += *p_++;
-        }
-        return WORD;
-    }
-    for (++p_; p_ < end_ && *p_ != '"'; ++p_) {
-        char ch = *p_;
-        if (ch == '\\') {
-            if (++p_ >= end_) {
-                break;
-            }
-            ch = *p_ == 'n' ? '\n' : *p_ == 'r' ? '\r' : *p_ == 't' ? '\t' : *p_;
-        }
-        value += ch;
-    }
-    if (p_ >= end_) {
-        return BAD;
-    }
-    ++p_;
-    return QUOTED;
+KxTextScanner::Token KorvaMeshReader::next(std::string& value) {
+    scanner_.setPosition(p_);
+    KxTextScanner::Token t = scanner_.next(value);
+    p_ = scanner_.position();
+    return t;
 }
 
 bool KorvaMeshReader::expectWord(const char* what, std::string& word) {
     const char* at = tokenStart();
-    if (next(word) != WORD) {
+    if (next(word) != KxTextScanner::WORD) {
         return fail("header line %d: expected %s.", lineAt(at), what);
     }
     return true;
@@ -292,10 +237,10 @@ bool KorvaMeshReader::expectWord(const char* what, std::string& word) {
 
 bool KorvaMeshReader::expectQuoted(const char* what, std::string& value) {
     const char* at = tokenStart();
-    Token t = next(value);
-    if (t != QUOTED) {
+    KxTextScanner::Token t = next(value);
+    if (t != KxTextScanner::QUOTED) {
         return fail("header line %d: expected %s as a quoted string%s.", lineAt(at), what,
-                    t == BAD ? " (the closing quote is missing)" : "");
+                    t == KxTextScanner::BAD ? " (the closing quote is missing)" : "");
     }
     return true;
 }
@@ -320,11 +265,11 @@ bool KorvaMeshReader::parseHeader() {
     ascii_ = word == "ascii";
     while (true) {
         const char* at = tokenStart();
-        Token t = next(word);
-        if (t == END) {
+        KxTextScanner::Token t = next(word);
+        if (t == KxTextScanner::END) {
             return fail("the header has no \"end\" line; the file is truncated.");
         }
-        if (t != WORD) {
+        if (t != KxTextScanner::WORD) {
             return fail("header line %d: expected a keyword (parameters, location, array or end).",
                         lineAt(at));
         }
@@ -358,33 +303,33 @@ bool KorvaMeshReader::parseHeader() {
 // sub-bundles token by token, so that a header cut short still answers.
 bool KorvaMeshReader::findContentType(std::string& contentType) {
     std::string word, name;
-    if (next(word) != WORD || next(word) != WORD || next(word) != WORD || word != "parameters" ||
-        next(word) != OPEN) {
+    if (next(word) != KxTextScanner::WORD || next(word) != KxTextScanner::WORD ||
+        next(word) != KxTextScanner::WORD || word != "parameters" || next(word) != KxTextScanner::OPEN) {
         return false;
     }
     int depth = 1;
     while (true) {
-        Token t = next(name);
-        if (t == OPEN || t == CLOSE) {
-            depth += t == OPEN ? 1 : -1;
+        KxTextScanner::Token t = next(name);
+        if (t == KxTextScanner::OPEN || t == KxTextScanner::CLOSE) {
+            depth += t == KxTextScanner::OPEN ? 1 : -1;
             if (depth == 0) {
                 return false;
             }
             continue;
         }
-        if (t == END || t == BAD) {
+        if (t == KxTextScanner::END || t == KxTextScanner::BAD) {
             return false;
         }
-        if (t != QUOTED || depth != 1) {
+        if (t != KxTextScanner::QUOTED || depth != 1) {
             continue;
         }
         // A parameter: its kind, then one quoted string or numbers.
         const char* afterName = p_;
-        if (next(word) != WORD) {
+        if (next(word) != KxTextScanner::WORD) {
             p_ = afterName;
             continue;
         }
-        if (word == "string" && next(word) == QUOTED && name == "ContentType") {
+        if (word == "string" && next(word) == KxTextScanner::QUOTED && name == "ContentType") {
             contentType = word;
             return true;
         }
@@ -398,11 +343,12 @@ bool KorvaMeshReader::parseParameters() {
         return fail("header line %d: a second parameter block.", lineAt(at));
     }
     haveParameters_ = true;
-    if (next(word) != OPEN) {
+    if (next(word) != KxTextScanner::OPEN) {
         return fail("header line %d: expected '{' after \"parameters\".", lineAt(at));
     }
     std::string error;
-    const char* close = matchingBrace(p_, end_, error);
+    scanner_.setPosition(p_);
+    const char* close = matchingBrace(scanner_, error);
     if (!close) {
         return fail("parameter block at header line %d: %s.", lineAt(at), error.c_str());
     }
@@ -513,7 +459,7 @@ bool KorvaMeshReader::addArray(const ArrayEntry& entry, const void* values, std:
 // Binary data
 
 bool KorvaMeshReader::readBinaryData() {
-    const bool swap = !hostIsLittleEndian();
+    const bool swap = !KorvaMeshFormat::hostIsLittleEndian();
     size_t offset = static_cast<size_t>(p_ - begin_);
     const size_t size = static_cast<size_t>(end_ - begin_);
     for (size_t i = 0; i < arrays_.size(); ++i, theWorkArea->step()) {
@@ -644,7 +590,7 @@ bool KorvaMeshReader::readAsciiData() {
         const char* at = tokenStart();
         std::string marker = "@" + std::to_string(i + 1);
         std::string word;
-        if (next(word) != WORD || word != marker) {
+        if (next(word) != KxTextScanner::WORD || word != marker) {
             return fail("line %d: expected \"%s\", the start of the data of array \"%s\"%s.", lineAt(at),
                         marker.c_str(), printable(e.name).c_str(),
                         p_ >= end_ ? "; the file is truncated" : "");
@@ -664,41 +610,9 @@ bool KorvaMeshReader::readAsciiData() {
                         printable(e.name).c_str());
         }
         bool ok = false;
-        void* v = owned.get();
-        switch (e.type.getType()) {
-            case PrimType::INT8:
-                ok = parseAsciiValues(e, static_cast<int8_t*>(v));
-                break;
-            case PrimType::UINT8:
-                ok = parseAsciiValues(e, static_cast<uint8_t*>(v));
-                break;
-            case PrimType::INT16:
-                ok = parseAsciiValues(e, static_cast<int16_t*>(v));
-                break;
-            case PrimType::UINT16:
-                ok = parseAsciiValues(e, static_cast<uint16_t*>(v));
-                break;
-            case PrimType::INT32:
-                ok = parseAsciiValues(e, static_cast<int32_t*>(v));
-                break;
-            case PrimType::UINT32:
-                ok = parseAsciiValues(e, static_cast<uint32_t*>(v));
-                break;
-            case PrimType::INT64:
-                ok = parseAsciiValues(e, static_cast<int64_t*>(v));
-                break;
-            case PrimType::UINT64:
-                ok = parseAsciiValues(e, static_cast<uint64_t*>(v));
-                break;
-            case PrimType::FLOAT32:
-                ok = parseAsciiValues(e, static_cast<float*>(v));
-                break;
-            case PrimType::FLOAT64:
-                ok = parseAsciiValues(e, static_cast<double*>(v));
-                break;
-            default:
-                break;
-        }
+        KorvaMeshFormat::visitType(e.type, [&](auto* type) {
+            ok = parseAsciiValues(e, reinterpret_cast<decltype(type)>(owned.get()));
+        });
         if (!ok || !addArray(e, nullptr, std::move(owned))) {
             return false;
         }
@@ -714,7 +628,7 @@ template <class T>
 bool KorvaMeshReader::parseAsciiValues(const ArrayEntry& e, T* out) {
     const char* p = p_;
     for (uint64_t k = 0; k < e.numValues; ++k) {
-        while (p < end_ && isBlank(*p)) {
+        while (p < end_ && KxTextScanner::isBlank(*p)) {
             ++p;
         }
         if (p >= end_) {
@@ -723,9 +637,9 @@ bool KorvaMeshReader::parseAsciiValues(const ArrayEntry& e, T* out) {
                         static_cast<unsigned long long>(e.numValues));
         }
         std::from_chars_result r = std::from_chars(p, end_, out[k]);
-        if (r.ec != std::errc() || (r.ptr < end_ && !isBlank(*r.ptr))) {
+        if (r.ec != std::errc() || (r.ptr < end_ && !KxTextScanner::isBlank(*r.ptr))) {
             const char* stop = p;
-            while (stop < end_ && !isBlank(*stop) && stop - p < 40) {
+            while (stop < end_ && !KxTextScanner::isBlank(*stop) && stop - p < 40) {
                 ++stop;
             }
             return fail("line %d: bad %s value \"%s\" (value %llu of array \"%s\")%s.", lineAt(p),

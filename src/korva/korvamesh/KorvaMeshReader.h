@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "korva/base/PrimType.h"
+#include "korva/core/KxTextScanner.h"
 
 class KorvaMesh;
 
@@ -38,7 +39,6 @@ private:
         uint64_t storedBytes = 0;
         uint64_t numValues = 0;
     };
-    enum Token { END, WORD, QUOTED, OPEN, CLOSE, BAD };
 
     // With inPlace, uncompressed binary arrays point into bytes, which the
     // caller has handed to the mesh.
@@ -57,7 +57,7 @@ private:
     bool parseAsciiValues(const ArrayEntry& entry, T* out);
     bool addArray(const ArrayEntry& entry, const void* values, std::unique_ptr<char[]> owned);
 
-    Token next(std::string& value);
+    KxTextScanner::Token next(std::string& value);
     void skipBlanks();
     // Skips blanks and comments; the position of the next token.
     const char* tokenStart();
@@ -69,6 +69,7 @@ private:
     const char* begin_;
     const char* end_;
     const char* p_;
+    KxTextScanner scanner_;
     const char* name_;
     KorvaMesh& mesh_;
     bool inPlace_;

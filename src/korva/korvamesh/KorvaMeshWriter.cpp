@@ -10,8 +10,10 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxTextScanner.h"
 #include "korva/core/KxWorkArea.h"
 #include "korva/korvamesh/KorvaMesh.h"
 #include "korva/korvamesh/KorvaMeshFormat.h"
@@ -81,13 +83,6 @@ private:
 };
 
 namespace {
-
-bool hostIsLittleEndian() {
-    const uint16_t one = 1;
-    unsigned char first;
-    std::memcpy(&first, &one, 1);
-    return first == 1;
-}
 
 template <class T>
 void appendAsciiValues(KorvaMeshWriter::Output& out, const T* values, int64_t rows, int components) {
@@ -161,7 +156,7 @@ bool KorvaMeshWriter::compressArrays(std::vector<Stored>& stored) const {
             continue;
         }
         const char* raw = static_cast<const char*>(d->getValues());
-        if (!hostIsLittleEndian() && d->getPrimType().getSize() > 1) {
+        if (!KorvaMeshFormat::hostIsLittleEndian() && d->getPrimType().getSize() > 1) {
             swapped.assign(raw, raw + s.bytes);
             for (size_t k = 0; k < s.bytes; k += static_cast<size_t>(d->getPrimType().getSize())) {
                 std::reverse(swapped.begin() + k, swapped.begin() + k + d->getPrimType().getSize());
@@ -191,7 +186,6 @@ bool KorvaMeshWriter::compressArrays(std::vector<Stored>& stored) const {
 }
 
 std::string KorvaMeshWriter::header(bool ascii, const std::vector<Stored>& stored) const {
-    using KorvaMeshFormat::quote;
     std::string h = KorvaMeshFormat::kSignature;
     h += ' ';
     h += std::to_string(KorvaMeshFormat::kVersion);
@@ -202,12 +196,17 @@ std::string KorvaMeshWriter::header(bool ascii, const std::vector<Stored>& store
     h += "}\n";
     for (int i = 0; i < mesh_.getNumLocations(); ++i) {
         const KorvaMesh::Location* l = mesh_.getLocation(i);
-        h += "location " + quote(l->getName()) + ' ' + std::to_string(l->getSize()) + '\n';
+        h += "location ";
+        KxTextScanner::appendQuoted(h, l->getName());
+        h += ' ' + std::to_string(l->getSize()) + '\n';
     }
     for (int i = 0; i < mesh_.getNumData(); ++i) {
         const KorvaMesh::Data* d = mesh_.getData(i);
-        h += "array " + quote(d->getName()) + ' ' + quote(d->getLocationName()) + ' ' +
-             d->getPrimType().getName() + ' ' + std::to_string(d->getNumComponents());
+        h += "array ";
+        KxTextScanner::appendQuoted(h, d->getName());
+        h += ' ';
+        KxTextScanner::appendQuoted(h, d->getLocationName());
+        h += std::string(" ") + d->getPrimType().getName() + ' ' + std::to_string(d->getNumComponents());
         if (!ascii) {
             const Stored& s = stored[static_cast<size_t>(i)];
             h += s.compressed ? " zlib " : " raw ";
@@ -226,7 +225,7 @@ void KorvaMeshWriter::writeBinaryData(Output& out, const std::vector<Stored>& st
         out.align();
         if (s.compressed) {
             out.append(s.zlib.data(), s.bytes);
-        } else if (!hostIsLittleEndian() && d->getPrimType().getSize() > 1) {
+        } else if (!KorvaMeshFormat::hostIsLittleEndian() && d->getPrimType().getSize() > 1) {
             appendSwapped(out, static_cast<const char*>(d->getValues()), s.bytes, d->getPrimType().getSize());
         } else if (s.bytes > 0) {
             out.append(d->getValues(), s.bytes);
@@ -241,40 +240,10 @@ void KorvaMeshWriter::writeAsciiData(Output& out) const {
         int64_t rows = d->getLocation()->getSize();
         int n = d->getNumComponents();
         const void* v = d->getValues();
-        switch (d->getPrimType().getType()) {
-            case PrimType::INT8:
-                appendAsciiValues(out, static_cast<const int8_t*>(v), rows, n);
-                break;
-            case PrimType::UINT8:
-                appendAsciiValues(out, static_cast<const uint8_t*>(v), rows, n);
-                break;
-            case PrimType::INT16:
-                appendAsciiValues(out, static_cast<const int16_t*>(v), rows, n);
-                break;
-            case PrimType::UINT16:
-                appendAsciiValues(out, static_cast<const uint16_t*>(v), rows, n);
-                break;
-            case PrimType::INT32:
-                appendAsciiValues(out, static_cast<const int32_t*>(v), rows, n);
-                break;
-            case PrimType::UINT32:
-                appendAsciiValues(out, static_cast<const uint32_t*>(v), rows, n);
-                break;
-            case PrimType::INT64:
-                appendAsciiValues(out, static_cast<const int64_t*>(v), rows, n);
-                break;
-            case PrimType::UINT64:
-                appendAsciiValues(out, static_cast<const uint64_t*>(v), rows, n);
-                break;
-            case PrimType::FLOAT32:
-                appendAsciiValues(out, static_cast<const float*>(v), rows, n);
-                break;
-            case PrimType::FLOAT64:
-                appendAsciiValues(out, static_cast<const double*>(v), rows, n);
-                break;
-            default:
-                break;
-        }
+        KorvaMeshFormat::visitType(d->getPrimType(), [&](auto* type) {
+            using T = std::remove_pointer_t<decltype(type)>;
+            appendAsciiValues(out, static_cast<const T*>(v), rows, n);
+        });
     }
 }
 

@@ -222,10 +222,5 @@ KxSpatialGraph* loadSkeletonGraph(const KorvaMesh& mesh, const char* filename) {
 }
 
 int loadSkeletonGraphToKorva(const KorvaMesh& mesh, const char* filename) {
-    KxSpatialGraph* graph = loadSkeletonGraph(mesh, filename);
-    if (!graph) {
-        return 0;
-    }
-    registerSpatialGraph(graph, filename);
-    return 1;
+    return registerSpatialGraph(loadSkeletonGraph(mesh, filename), filename);
 }

@@ -357,16 +357,15 @@ KxSpatialGraph* readLegacyKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const c
     return graph;
 }
 
-void registerSpatialGraph(KxSpatialGraph* graph, const char* filename) {
-    const char* slash = std::strrchr(filename, '/');
-    theObjectPool->add(graph, slash ? slash + 1 : filename);
-}
-
-int readKorvaMesh(const KorvaMesh& mesh, const char* filename) {
-    KxSpatialGraph* graph = readKorvaMeshToSpatialGraph(mesh, filename);
+int registerSpatialGraph(KxSpatialGraph* graph, const char* filename) {
     if (!graph) {
         return 0;
     }
-    registerSpatialGraph(graph, filename);
+    const char* slash = std::strrchr(filename, '/');
+    theObjectPool->add(graph, slash ? slash + 1 : filename);
     return 1;
+}
+
+int readKorvaMesh(const KorvaMesh& mesh, const char* filename) {
+    return registerSpatialGraph(readKorvaMeshToSpatialGraph(mesh, filename), filename);
 }

@@ -21,5 +21,6 @@ int readKorvaMesh(const KorvaMesh& mesh, const char* filename);
 // connectivity, point counts or edge points are missing or do not fit.
 KxSpatialGraph* readLegacyKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const char* filename);
 
-// Registers graph in the object pool under filename's last path component.
-void registerSpatialGraph(KxSpatialGraph* graph, const char* filename);
+// Registers graph in the object pool under filename's last path component
+// and answers 1; answers 0 for a null graph.
+int registerSpatialGraph(KxSpatialGraph* graph, const char* filename);
