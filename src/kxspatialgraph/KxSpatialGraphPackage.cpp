@@ -2,7 +2,6 @@
 
 #include "korva/core/KxClassRegistry.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
-#include "kxspatialgraph/view/SoTubeSet.h"
 #include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
 
 namespace {
@@ -24,7 +23,6 @@ extern "C" int korvapackage_kxspatialgraph_init() {
                              "KxSpatialGraphSelectionInterface", "KxSpatialGraphSelectionInterfaceImpl"}) {
         theClassRegistry->registerClass(name, "kxspatialgraph", nullptr);
     }
-    SoTubeSet::initClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }

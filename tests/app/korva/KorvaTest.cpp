@@ -211,10 +211,10 @@ TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
     for (bool legacy : {false, true}) {
         SCOPED_TRACE(legacy ? "legacy tubes" : "GPU tubes");
         std::string png = dir_.path(legacy ? "legacy.png" : "gpu.png");
-        KorvaRun run =
-            legacy ? korva({"-c", "set ::env(KORVA_LEGACY_TUBES) 1; exec " + std::string(KORVA_BINARY_DIR) +
-                                      "/bin/korva render cross.tcl " + png + " 120 80"})
-                   : korva({"render", "cross.tcl", png, "120", "80"});
+        KorvaRun run = legacy ? korva({"-c", "set ::env(KORVA_LEGACY_TUBES) 1; puts [exec " +
+                                                 std::string(KORVA_BINARY_DIR) +
+                                                 "/bin/korva render cross.tcl " + png + " 120 80 2>@1]"})
+                              : korva({"render", "cross.tcl", png, "120", "80"});
         ASSERT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(legacy, run.out.find("Falling back to legacy tube rendering") != std::string::npos ||
                               run.err.find("Falling back to legacy tube rendering") != std::string::npos)
