@@ -23,36 +23,7 @@ void KxData::fire() {
         return;
     }
     touched_ = 0;
-    // Listeners may add or remove listeners (an owner may die in a listener):
-    // call those registered when the fire began that are still registered.
-    std::vector<int> ids;
-    for (const auto& entry : listeners_) {
-        ids.push_back(entry.first);
-    }
-    for (int id : ids) {
-        for (const auto& entry : listeners_) {
-            if (entry.first == id) {
-                Listener listener = entry.second;
-                listener(*this, mask);
-                break;
-            }
-        }
-    }
-}
-
-int KxData::addListener(Listener listener) {
-    int id = nextListenerId_++;
-    listeners_.emplace_back(id, std::move(listener));
-    return id;
-}
-
-void KxData::removeListener(int id) {
-    for (auto it = listeners_.begin(); it != listeners_.end(); ++it) {
-        if (it->first == id) {
-            listeners_.erase(it);
-            return;
-        }
-    }
+    listeners_.call(*this, mask);
 }
 
 int KxData::parse(Tcl_Interp* interp, int argc, char** argv) {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "korva/base/CallbackList.h"
 #include "korva/core/KxObject.h"
 #include "korva/core/KxParamBundle.h"
 
@@ -48,8 +49,8 @@ public:
     // Does nothing when nothing was touched. A listener removed during a fire is
     // not called any more; one added during a fire hears the next one.
     void fire();
-    int addListener(Listener listener);
-    void removeListener(int id);
+    int addListener(Listener listener) { return listeners_.add(std::move(listener)); }
+    void removeListener(int id) { listeners_.remove(id); }
 
     // Adds "parameters" (the bundle's text form), "setParameters TEXT" (replaces
     // the bundle, touches and fires NEW_PARAMETERS) and "isModified" to the
@@ -64,6 +65,5 @@ private:
     std::string loadCmd_;
     std::string saveInfo_;
     unsigned int touched_ = 0;
-    std::vector<std::pair<int, Listener>> listeners_;
-    int nextListenerId_ = 1;
+    CallbackList<void(KxData&, unsigned int)> listeners_;
 };

@@ -39,25 +39,8 @@ KxMessageConsole::Sink KxMessageConsole::setSink(Sink sink) {
     return previous;
 }
 
-int KxMessageConsole::addTap(Sink tap) {
-    int id = nextTapId_++;
-    taps_.emplace_back(id, std::move(tap));
-    return id;
-}
-
-void KxMessageConsole::removeTap(int id) {
-    for (auto it = taps_.begin(); it != taps_.end(); ++it) {
-        if (it->first == id) {
-            taps_.erase(it);
-            return;
-        }
-    }
-}
-
 void KxMessageConsole::emitLine(const std::string& line) {
-    for (auto& tap : taps_) {
-        tap.second(line);
-    }
+    taps_.call(line);
     if (sink_) {
         sink_(line);
         return;

@@ -3,8 +3,8 @@
 #include <functional>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "korva/base/CallbackList.h"
 #include "korva/base/String.h"
 
 // The host's message console. Every line the system reports to the user goes
@@ -28,16 +28,15 @@ public:
     // A tap sees every line as well, without changing where it goes (the
     // console commands use one to put a failure's "Error: " line into the Tcl
     // result). Answers an id for removeTap.
-    int addTap(Sink tap);
-    void removeTap(int id);
+    int addTap(Sink tap) { return taps_.add(std::move(tap)); }
+    void removeTap(int id) { taps_.remove(id); }
 
 private:
     KxMessageConsole() = default;
     void emitLine(const std::string& line);
 
     Sink sink_;
-    std::vector<std::pair<int, Sink>> taps_;
-    int nextTapId_ = 1;
+    CallbackList<void(const std::string&)> taps_;
 };
 
 #define theMsg (&KxMessageConsole::instance())

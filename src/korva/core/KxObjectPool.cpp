@@ -60,7 +60,7 @@ const char* KxObjectPool::add(KxObject* object, const char* label) {
     object->setLabel(unique.c_str());
     objects_.emplace_back(object);
     byLabel_.insert(unique, object);
-    notify(ADDED, object, "");
+    observers_.call(ADDED, object, "");
     return object->getLabel();
 }
 
@@ -81,7 +81,7 @@ KxObject* KxObjectPool::take(KxObject* object) {
     if (!contains(object)) {
         return nullptr;
     }
-    notify(REMOVED, object, "");
+    observers_.call(REMOVED, object, "");
     // An observer may have removed it meanwhile.
     int i = indexOf(object);
     if (i < 0) {
@@ -121,7 +121,7 @@ const char* KxObjectPool::rename(KxObject* object, const char* label) {
     std::string unique = makeUniqueLabel(label);
     object->setLabel(unique.c_str());
     byLabel_.insert(unique, object);
-    notify(RENAMED, object, oldLabel.c_str());
+    observers_.call(RENAMED, object, oldLabel.c_str());
     return object->getLabel();
 }
 
@@ -132,26 +132,4 @@ KxObject* KxObjectPool::find(const char* label) const {
 
 KxData* KxObjectPool::findData(const char* label) const {
     return dynamic_cast<KxData*>(find(label));
-}
-
-int KxObjectPool::addObserver(Observer observer) {
-    int id = nextObserverId_++;
-    observers_.emplace_back(id, std::move(observer));
-    return id;
-}
-
-void KxObjectPool::removeObserver(int id) {
-    for (auto it = observers_.begin(); it != observers_.end(); ++it) {
-        if (it->first == id) {
-            observers_.erase(it);
-            return;
-        }
-    }
-}
-
-void KxObjectPool::notify(Event event, KxObject* object, const char* oldLabel) {
-    auto observers = observers_;
-    for (auto& entry : observers) {
-        entry.second(event, object, oldLabel);
-    }
 }

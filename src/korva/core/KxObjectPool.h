@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "korva/base/CallbackList.h"
 #include "korva/base/HashTable.h"
 
 class KxObject;
@@ -60,20 +61,18 @@ public:
     // The label that add() would give for the wanted one, without adding anything.
     std::string makeUniqueLabel(const char* wanted) const;
 
-    int addObserver(Observer observer);
-    void removeObserver(int id);
+    int addObserver(Observer observer) { return observers_.add(std::move(observer)); }
+    void removeObserver(int id) { observers_.remove(id); }
     // Names for which check answers true count as taken.
     void setReservedCheck(ReservedCheck check) { reserved_ = std::move(check); }
 
 private:
     bool isTaken(const std::string& label) const;
     int indexOf(const KxObject* object) const;
-    void notify(Event event, KxObject* object, const char* oldLabel);
 
     std::vector<std::unique_ptr<KxObject>> objects_;
     HashTable<std::string, KxObject*> byLabel_;
-    std::vector<std::pair<int, Observer>> observers_;
-    int nextObserverId_ = 1;
+    CallbackList<void(Event, KxObject*, const char*)> observers_;
     ReservedCheck reserved_;
 };
 
