@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <poll.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -233,4 +236,40 @@ TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
         << nothing.err;
     EXPECT_EQ(korva({"render", "cross.tcl"}).status, 2);
     EXPECT_EQ(korva({"render", "cross.tcl", "x.png", "0", "80"}).status, 2);
+}
+
+TEST(KorvaConsoleTest, OnATerminalTheConsolePromptsAndPrintsResults) {
+    int master = -1;
+    pid_t pid = forkpty(&master, nullptr, nullptr, nullptr);
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        std::string korva = std::string(KORVA_BINARY_DIR) + "/bin/korva";
+        setenv("LSAN_OPTIONS", "suppressions=" KORVA_SOURCE_DIR "/scripts/lsan.supp:print_suppressions=0", 0);
+        execl(korva.c_str(), "korva", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    // A command split over two lines runs once it is complete.
+    const std::string input = "proc f {} {\nexpr {6 * 7} }\nf\nnosuch\nquit 5\n";
+    ASSERT_EQ(write(master, input.data(), input.size()), static_cast<ssize_t>(input.size()));
+    std::string output;
+    char buffer[4096];
+    while (true) {
+        pollfd p{master, POLLIN, 0};
+        if (poll(&p, 1, 30000) <= 0) {
+            break;
+        }
+        ssize_t n = read(master, buffer, sizeof(buffer));
+        if (n <= 0) {
+            break;  // the korva side closed
+        }
+        output.append(buffer, static_cast<size_t>(n));
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    close(master);
+    EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 5) << output;
+    EXPECT_NE(output.find("korva> "), std::string::npos) << output;
+    EXPECT_NE(output.find("\n> "), std::string::npos) << "continuation prompt\n" << output;
+    EXPECT_NE(output.find("42\r\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("Error: invalid command name \"nosuch\""), std::string::npos) << output;
 }
