@@ -269,7 +269,7 @@ TEST(KorvaConsoleTest, OnATerminalTheConsolePromptsAndPrintsResults) {
     close(master);
     EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 5) << output;
     EXPECT_NE(output.find("korva> "), std::string::npos) << output;
-    EXPECT_NE(output.find("\n> "), std::string::npos) << "continuation prompt\n" << output;
-    EXPECT_NE(output.find("42\r\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("> korva> 42\r\n"), std::string::npos) << "continuation prompt, then the result\n"
+                                                                 << output;
     EXPECT_NE(output.find("Error: invalid command name \"nosuch\""), std::string::npos) << output;
 }
