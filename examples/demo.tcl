@@ -40,6 +40,22 @@ puts -nonewline [$g info]
 $g setTransform 1 0 0 0  0 1 0 0  0 0 1 0  100 0 0 1
 puts "bounding box: [$g getBoundingBox] (transformed: [$g getBoundingBox transformed])"
 
+section "Saving and loading"
+# Files go through the format registry: save names a format, load finds the
+# reader from the file's content or extension. Failed saves keep the old file.
+set tmp [expr {[info exists env(TMPDIR)] ? $env(TMPDIR) : "/tmp"}]
+set dir [file join $tmp korva-demo-[pid]]
+file mkdir $dir
+foreach format {KorvaMesh KorvaMeshASCII} {
+    set file [file join $dir tree-$format.kxm]
+    save $format $g $file
+    set copy [load $file]
+    set same [expr {[$copy getBoundingBox] eq [$g getBoundingBox] ? "the same" : "another"}]
+    puts "$format: [file size $file] bytes, loaded back as $copy with $same bounding box"
+    remove $copy
+}
+file delete -force $dir
+
 section "Loading files"
 # A failed load prints an "Error: " line and raises a Tcl error a script can catch.
 foreach file [list no-such-file.swc [info script]] {
