@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
+#include <type_traits>
 
 #include "korva/base/PrimType.h"
 
@@ -16,9 +19,24 @@ inline double load(const void* p) {
     return static_cast<double>(v);
 }
 
+// Integers saturate at their range and take 0 for NaN: converting an
+// out-of-range double to an integer type is undefined, and values come from files.
 template <class T>
 inline void store(void* p, double value) {
-    T v = static_cast<T>(value);
+    T v;
+    if constexpr (std::is_integral<T>::value) {
+        if (std::isnan(value)) {
+            v = 0;
+        } else if (value <= static_cast<double>(std::numeric_limits<T>::min())) {
+            v = std::numeric_limits<T>::min();
+        } else if (value >= static_cast<double>(std::numeric_limits<T>::max())) {
+            v = std::numeric_limits<T>::max();
+        } else {
+            v = static_cast<T>(value);
+        }
+    } else {
+        v = static_cast<T>(value);
+    }
     std::memcpy(p, &v, sizeof(T));
 }
 
