@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <iterator>
 #include <string>
 
 #include <tcl.h>
@@ -79,11 +78,17 @@ void KorvaSession::finish(int code) {
     Tcl_Exit(code);
 }
 
-void KorvaSession::reportError() {
+void KorvaSession::printErrorMessage() {
     std::string message = tcl_->result();
     if (message != lastError_) {
         theMsg->print(message.compare(0, 7, "Error: ") == 0 ? message : "Error: " + message);
     }
+    lastError_.clear();
+}
+
+void KorvaSession::reportError() {
+    std::string message = tcl_->result();
+    printErrorMessage();
     // errorInfo starts with the message; the rest says where it happened.
     std::string trace = tcl_->errorInfo();
     if (trace.compare(0, message.size(), message) == 0) {
@@ -95,7 +100,6 @@ void KorvaSession::reportError() {
     if (!trace.empty()) {
         std::fprintf(stderr, "%s\n", trace.c_str());
     }
-    lastError_.clear();
 }
 
 int KorvaSession::runScript(const char* path, int argc, char** argv) {
@@ -121,47 +125,50 @@ int KorvaSession::runCommands(const char* commands) {
 }
 
 int KorvaSession::runConsole() {
-    if (isatty(STDIN_FILENO)) {
-        return runInteractive();
-    }
+    const bool terminal = isatty(STDIN_FILENO);
     tcl_->setScriptArgs("korva", 0, nullptr);
-    std::string script((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
-    if (tcl_->eval(script.c_str()) != TCL_OK) {
-        reportError();
-        return 1;
+    if (terminal) {
+        Tcl_SetVar(tcl_->interp(), "tcl_interactive", "1", TCL_GLOBAL_ONLY);
+        std::printf("Korva console. Type \"help\" for the commands, \"quit\" to leave.\n");
     }
-    return 0;
-}
-
-int KorvaSession::runInteractive() {
-    tcl_->setScriptArgs("korva", 0, nullptr);
-    Tcl_SetVar(tcl_->interp(), "tcl_interactive", "1", TCL_GLOBAL_ONLY);
-    std::printf("Korva console. Type \"help\" for the commands, \"quit\" to leave.\n");
-    std::string command;
-    char line[4096];
+    // Each command runs as soon as it is complete, so a program driving korva
+    // through a pipe sees its output at once. Off a terminal the first error
+    // ends the run like a failing script; on a terminal the console goes on.
+    std::string command, line;
     while (true) {
-        std::fputs(command.empty() ? "korva> " : "> ", stdout);
-        std::fflush(stdout);
-        if (!std::fgets(line, sizeof(line), stdin)) {
-            std::fputc('\n', stdout);
+        if (terminal) {
+            std::fputs(command.empty() ? "korva> " : "> ", stdout);
+            std::fflush(stdout);
+        }
+        if (!std::getline(std::cin, line)) {
+            if (terminal) {
+                std::fputc('\n', stdout);
+                return 0;
+            }
+            // An unfinished command at the end fails as it would in a script.
+            if (!command.empty() && tcl_->eval(command.c_str()) != TCL_OK) {
+                reportError();
+                return 1;
+            }
             return 0;
         }
         command += line;
+        command += '\n';
         if (!Tcl_CommandComplete(command.c_str())) {
             continue;
         }
-        if (tcl_->eval(command.c_str()) == TCL_OK) {
+        int code = tcl_->eval(command.c_str());
+        command.clear();
+        if (code == TCL_OK) {
             std::string result = tcl_->result();
-            if (!result.empty()) {
+            if (terminal && !result.empty()) {
                 std::printf("%s\n", result.c_str());
             }
+        } else if (terminal) {
+            printErrorMessage();
         } else {
-            std::string message = tcl_->result();
-            if (message != lastError_) {
-                theMsg->print(message.compare(0, 7, "Error: ") == 0 ? message : "Error: " + message);
-            }
-            lastError_.clear();
+            reportError();
+            return 1;
         }
-        command.clear();
     }
 }

@@ -20,7 +20,9 @@ public:
     int runScript(const char* path, int argc, char** argv);
     // Runs commands; prints a non-empty result. 0, or 1 after printing the error.
     int runCommands(const char* commands);
-    // The console: a prompt on a terminal, otherwise stdin read as one script.
+    // The console: commands from stdin, each run when complete; on a terminal
+    // with a prompt and results, otherwise silently until the first error,
+    // which ends the run with 1.
     int runConsole();
 
     // Prints a failed evaluation: the message (unless a command printed it
@@ -28,7 +30,8 @@ public:
     void reportError();
 
 private:
-    int runInteractive();
+    // Prints the failure's message unless a command printed it already.
+    void printErrorMessage();
     static void finish(int code);
 
     std::unique_ptr<KxTclInterpreter> tcl_;

@@ -146,6 +146,11 @@ TEST_F(KorvaTest, ConsoleReadsCommandsFromStdinWhenItIsNotATerminal) {
     KorvaRun failing = korva({}, "puts one\nerror two\nputs three\n");
     EXPECT_EQ(failing.status, 1);
     EXPECT_EQ(failing.out, "one\n");
+    EXPECT_EQ(failing.err.compare(0, 16, "Error: two\n    w"), 0) << failing.err;
+    KorvaRun unfinished = korva({}, "puts one\nproc f {} {\n");
+    EXPECT_EQ(unfinished.status, 1);
+    EXPECT_EQ(unfinished.out, "one\n");
+    EXPECT_EQ(unfinished.err.compare(0, 27, "Error: missing close-brace\n"), 0) << unfinished.err;
 }
 
 TEST_F(KorvaTest, QuitEndsTheSessionWithItsCode) {
