@@ -234,6 +234,13 @@ TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
         EXPECT_EQ(image.pixelColor(5, 5).red(), 0);      // background corner
     }
 
+    // A saved graph file renders like the script that built it.
+    ASSERT_EQ(korva({"-c", "source cross.tcl; save KorvaMesh cross cross.kxm"}).status, 0);
+    KorvaRun fromFile = korva({"render", "cross.kxm", dir_.path("file.png"), "120", "80"});
+    ASSERT_EQ(fromFile.status, 0) << fromFile.err;
+    EXPECT_EQ(QImage(QString::fromStdString(dir_.path("file.png"))),
+              QImage(QString::fromStdString(dir_.path("gpu.png"))));
+
     write("empty.tcl", "set x 1\n");
     KorvaRun nothing = korva({"render", "empty.tcl", dir_.path("none.png")});
     EXPECT_EQ(nothing.status, 1);
