@@ -25,6 +25,12 @@ void uploadBuffer(GLenum target, GLuint buffer, const std::vector<T>& data) {
                  data.empty() ? nullptr : data.data(), GL_STATIC_DRAW);
 }
 
+void bindAttribute(GLuint location, GLuint buffer, GLint size) {
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    glVertexAttribPointer(location, size, GL_FLOAT, GL_FALSE, 0, nullptr);
+    glEnableVertexAttribArray(location);
+}
+
 }  // namespace
 
 void SoTubeSet::GLInit(GLContextGroup& group) {
@@ -156,30 +162,30 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     glBindBuffer(GL_ARRAY_BUFFER, group->tubeVertexBuffer);
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    glBindBuffer(GL_ARRAY_BUFFER, group->centerBuffer);
-    glVertexAttribPointer(kCenterLocation, 4, GL_FLOAT, GL_FALSE, 0, nullptr);
-    glEnableVertexAttribArray(kCenterLocation);
+    bindAttribute(kCenterLocation, group->centerBuffer, 4);
     if (!constantRadius_) {
-        glBindBuffer(GL_ARRAY_BUFFER, group->radiusBuffer);
-        glVertexAttribPointer(kRadiusLocation, 1, GL_FLOAT, GL_FALSE, 0, nullptr);
-        glEnableVertexAttribArray(kRadiusLocation);
+        bindAttribute(kRadiusLocation, group->radiusBuffer, 1);
     }
     if (perPointColor) {
-        glBindBuffer(GL_ARRAY_BUFFER, group->colorBuffer);
-        glVertexAttribPointer(kColorLocation, 1, GL_FLOAT, GL_FALSE, 0, nullptr);
-        glEnableVertexAttribArray(kColorLocation);
+        bindAttribute(kColorLocation, group->colorBuffer, 1);
     }
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, group->tubeIndexBuffer);
-    program_->setMacros(macros);
-    if (program_->apply(contextId)) {
-        GLRenderTubes(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
-    }
-    if (anyHighlighted) {
-        program_->setMacros(highlightMacros);
+    // The lines in their own colours, then (per-point colours only) the
+    // highlighted ones by the constant-colour variant of the program.
+    auto drawPasses = [&](void (SoTubeSet::*render)(LinePass)) {
+        program_->setMacros(macros);
         if (program_->apply(contextId)) {
-            GLRenderTubes(ONLY_HIGHLIGHTED);
+            (this->*render)(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
         }
-    }
+        if (anyHighlighted) {
+            glDisableVertexAttribArray(kColorLocation);
+            program_->setMacros(highlightMacros);
+            if (program_->apply(contextId)) {
+                (this->*render)(ONLY_HIGHLIGHTED);
+            }
+        }
+    };
+    drawPasses(&SoTubeSet::GLRenderTubes);
     glDisableVertexAttribArray(kCenterLocation);
     glDisableVertexAttribArray(kRadiusLocation);
     glDisableVertexAttribArray(kColorLocation);
@@ -190,27 +196,13 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
         glBindBuffer(GL_ARRAY_BUFFER, group->capNormalBuffer);
         glEnableClientState(GL_NORMAL_ARRAY);
         glNormalPointer(GL_FLOAT, 0, nullptr);
-        glBindBuffer(GL_ARRAY_BUFFER, group->capCenterBuffer);
-        glVertexAttribPointer(kCenterLocation, 4, GL_FLOAT, GL_FALSE, 0, nullptr);
-        glEnableVertexAttribArray(kCenterLocation);
+        bindAttribute(kCenterLocation, group->capCenterBuffer, 4);
         if (perPointColor) {
-            glBindBuffer(GL_ARRAY_BUFFER, group->capColorBuffer);
-            glVertexAttribPointer(kColorLocation, 1, GL_FLOAT, GL_FALSE, 0, nullptr);
-            glEnableVertexAttribArray(kColorLocation);
+            bindAttribute(kColorLocation, group->capColorBuffer, 1);
         }
         macros.push_back("RENDER_CAPS");
-        program_->setMacros(macros);
-        if (program_->apply(contextId)) {
-            GLRenderCaps(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
-        }
-        if (anyHighlighted) {
-            glDisableVertexAttribArray(kColorLocation);
-            highlightMacros.push_back("RENDER_CAPS");
-            program_->setMacros(highlightMacros);
-            if (program_->apply(contextId)) {
-                GLRenderCaps(ONLY_HIGHLIGHTED);
-            }
-        }
+        highlightMacros.push_back("RENDER_CAPS");
+        drawPasses(&SoTubeSet::GLRenderCaps);
         glDisableVertexAttribArray(kCenterLocation);
         glDisableVertexAttribArray(kColorLocation);
         glDisableClientState(GL_NORMAL_ARRAY);
