@@ -4,17 +4,19 @@
 
 uniform sampler1D colormap;
 
-varying vec3 diffuseFactor;
-varying float specular;
-varying vec4 fixedColor;
+#ifdef CONST_COLOR
+varying vec4 shadedColor;
+#else
+varying vec3 shading;  // diffuse factor per channel
 varying float colormapCoord;
+#endif
 
 void main() {
 #ifdef CONST_COLOR
-    vec3 color = fixedColor.rgb;
+    gl_FragColor = shadedColor;
 #else
     // Texel centres: coordinate 0 hits the first entry, 1 the last.
     vec3 color = texture1D(colormap, (colormapCoord * 255.0 + 0.5) / 256.0).rgb;
+    gl_FragColor = vec4(clamp(color * shading, 0.0, 1.0), 1.0);
 #endif
-    gl_FragColor = vec4(clamp(color * diffuseFactor + specular, 0.0, 1.0), 1.0);
 }

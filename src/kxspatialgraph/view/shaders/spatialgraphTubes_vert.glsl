@@ -17,11 +17,14 @@ uniform float min;
 uniform float range;
 
 // Lighting is computed per vertex (the tubes are smooth and finely
-// tessellated), which keeps the fragment stage cheap on software renderers.
-varying vec3 diffuseFactor;
-varying float specular;
-varying vec4 fixedColor;
+// tessellated) and as few values as possible are interpolated, which keeps
+// the fragment stage cheap on software renderers.
+#ifdef CONST_COLOR
+varying vec4 shadedColor;
+#else
+varying vec3 shading;  // diffuse factor per channel
 varying float colormapCoord;
+#endif
 
 void main() {
 #ifdef CONST_RADIUS
@@ -46,18 +49,17 @@ void main() {
     vec3 toLight = lightPosition.w == 0.0 ? normalize(lightPosition.xyz) : normalize(lightPosition.xyz - eye.xyz);
     // Light both sides: caps and tube ends can be seen from inside.
     float diffuse = abs(dot(n, toLight));
-    diffuseFactor = 0.2 + 0.8 * diffuse * gl_LightSource[0].diffuse.rgb;
-    vec3 toEye = normalize(-eye.xyz);
-    specular = 0.15 * pow(max(dot(n, normalize(toLight + toEye)), 0.0), 40.0);
+    // Ambient and diffuse only, like Coin's default material (no specular).
+    vec3 diffuseFactor = 0.2 + 0.8 * diffuse * gl_LightSource[0].diffuse.rgb;
 #ifdef KORVA_CLIP_PLANES
     gl_ClipVertex = eye;
 #endif
-    fixedColor = gl_Color;
-#ifndef CONST_COLOR
+#ifdef CONST_COLOR
+    shadedColor = vec4(clamp(gl_Color.rgb * diffuseFactor, 0.0, 1.0), 1.0);
+#else
+    shading = diffuseFactor;
     // A range of 0 maps every value to the first entry. (The uniform "min"
     // hides the built-in min(), hence clamp.)
     colormapCoord = range > 0.0 ? clamp((colorValue - min) / range, 0.0, 1.0) : 0.0;
-#else
-    colormapCoord = 0.0;
 #endif
 }
