@@ -17,6 +17,7 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     // formats are listed in resources/kxspatialgraph/kxspatialgraph.rc (docs/host.md).
     theClassRegistry->registerClass("KxSpatialGraph", "kxspatialgraph",
                                     []() -> KxObject* { return new KxSpatialGraph; });
+    KxSpatialGraph::registerConsoleCommands();
     // The read-only interfaces are known by name but not created on their own:
     // a graph makes its own interface object.
     for (const char* name : {"KxSpatialGraphInterface", "KxSpatialGraphInterfaceImpl",

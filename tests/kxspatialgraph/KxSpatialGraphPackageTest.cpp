@@ -7,7 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxConsoleCommands.h"
 #include "korva/core/KxObject.h"
+#include "korva/core/KxObjectPool.h"
+#include "korva/core/KxTclInterpreter.h"
+#include "support/TclEval.h"
 
 TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
     korvapackage_kxspatialgraph_init();
@@ -19,6 +23,19 @@ TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
                              "KxSpatialGraphSelectionInterface", "KxSpatialGraphSelectionInterfaceImpl"}) {
         EXPECT_STREQ(theClassRegistry->getPackage(name), "kxspatialgraph") << name;
     }
+}
+
+TEST(KxSpatialGraphPackageTest, ConsoleHelpListsTheGraphCommands) {
+    korvapackage_kxspatialgraph_init();
+    EXPECT_FALSE(theClassRegistry->registerCommand("NoSuchClass", "merge", "merge otherDataSet"));
+    KxObjectPool pool;
+    KxTclInterpreter tcl(pool);
+    installConsoleCommands(tcl);
+    std::string help = evalOk(tcl, "help");
+    size_t graph = help.find("  KxSpatialGraph\n");
+    ASSERT_NE(graph, std::string::npos) << help;
+    EXPECT_EQ(help.find("      {label} merge otherDataSet\n"), help.find('\n', graph) + 1) << help;
+    EXPECT_NE(help.find("      {label} applyTransform\n"), std::string::npos) << help;
 }
 
 // The example builds two neurons (x 0..10 and 20..30, y 0..6, z 0..1), merges

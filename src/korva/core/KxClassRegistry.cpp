@@ -16,7 +16,7 @@ KxClassRegistry& KxClassRegistry::instance() {
 }
 
 bool KxClassRegistry::registerClass(const char* name, const char* package, Factory factory) {
-    if (!classes_.insert(name, Entry{package ? package : "", std::move(factory)})) {
+    if (!classes_.insert(name, Entry{package ? package : "", std::move(factory), {}})) {
         theMsg->printf("Warning: class %s is registered already", name);
         return false;
     }
@@ -43,4 +43,29 @@ KxObject* KxClassRegistry::createInstance(const char* name) const {
         theMsg->printf("Error: class \"%s\" cannot be created", name);
     }
     return object;
+}
+
+bool KxClassRegistry::registerCommand(const char* className, const char* word, const char* usage) {
+    Entry* e = classes_.lookup(className);
+    if (!e) {
+        return false;
+    }
+    for (auto& command : e->commands) {
+        if (command.first == word) {
+            command.second = usage;
+            return true;
+        }
+    }
+    e->commands.emplace_back(word, usage);
+    return true;
+}
+
+std::vector<std::string> KxClassRegistry::commandUsages(const char* className) const {
+    std::vector<std::string> usages;
+    if (const Entry* e = classes_.lookup(className)) {
+        for (const auto& command : e->commands) {
+            usages.push_back(command.second);
+        }
+    }
+    return usages;
 }

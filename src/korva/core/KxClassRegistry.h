@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "korva/base/HashTable.h"
@@ -42,10 +43,17 @@ public:
     // Class names in registration order.
     std::vector<std::string> classNames() const { return classes_.keys(); }
 
+    // Makes a console command of the class's objects known to the console's
+    // help ("{label} word ..."); false if the class is not registered.
+    bool registerCommand(const char* className, const char* word, const char* usage);
+    // Usage lines of the class's registered commands, in registration order.
+    std::vector<std::string> commandUsages(const char* className) const;
+
 private:
     struct Entry {
         std::string package;
         Factory factory;
+        std::vector<std::pair<std::string, std::string>> commands;  // word, usage
     };
     HashTable<std::string, Entry> classes_;
 };

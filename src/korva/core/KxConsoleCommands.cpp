@@ -167,6 +167,9 @@ std::string helpText() {
     text += "Classes:\n";
     for (const std::string& name : theClassRegistry->classNames()) {
         text += "  " + name + "\n";
+        for (const std::string& usage : theClassRegistry->commandUsages(name.c_str())) {
+            text += "      {label} " + usage + "\n";
+        }
     }
     text += "File formats:\n";
     for (int i = 0; i < theFileFormats->size(); ++i) {

@@ -309,6 +309,8 @@ public:
     // "merge otherDataSet", "applyTransform", "help" and the building
     // commands of docs/spatialgraph-commands.md; others go to KxSpatialData.
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
+    // Makes the command words above known to the console's help.
+    static void registerConsoleCommands();
 
 private:
     KxRangeSetDataImpl rangeSet_{this};

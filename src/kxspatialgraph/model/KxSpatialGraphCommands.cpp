@@ -11,6 +11,7 @@
 
 #include <tcl.h>
 
+#include "korva/core/KxClassRegistry.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
@@ -317,6 +318,12 @@ int helpCommand(Tcl_Interp* interp) {
 }
 
 }  // namespace
+
+void KxSpatialGraph::registerConsoleCommands() {
+    for (const NamedCommand& c : kCommands) {
+        theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);
+    }
+}
 
 int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
     if (argc >= 2) {

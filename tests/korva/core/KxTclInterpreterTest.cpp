@@ -9,6 +9,7 @@
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "support/TclEval.h"
 
 namespace {
 
@@ -32,16 +33,8 @@ class KxTclInterpreterTest : public ::testing::Test {
 protected:
     KxTclInterpreterTest() : tcl_(pool_) { installConsoleCommands(tcl_); }
 
-    // The result of a script that must succeed.
-    std::string ok(const char* script) {
-        EXPECT_EQ(tcl_.eval(script), TCL_OK) << script << ": " << tcl_.result();
-        return tcl_.result();
-    }
-    // The result of a script that must fail.
-    std::string error(const char* script) {
-        EXPECT_EQ(tcl_.eval(script), TCL_ERROR) << script << ": " << tcl_.result();
-        return tcl_.result();
-    }
+    std::string ok(const char* script) { return evalOk(tcl_, script); }
+    std::string error(const char* script) { return evalError(tcl_, script); }
 
     KxObjectPool pool_;
     KxTclInterpreter tcl_;

@@ -8,6 +8,7 @@
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "support/TclEval.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
@@ -33,14 +34,8 @@ protected:
         g->addListener([this](KxData&, unsigned int mask) { fired_.push_back(mask); });
         return g;
     }
-    std::string ok(const char* script) {
-        EXPECT_EQ(tcl_.eval(script), TCL_OK) << script << ": " << tcl_.result();
-        return tcl_.result();
-    }
-    std::string error(const char* script) {
-        EXPECT_EQ(tcl_.eval(script), TCL_ERROR) << script << ": " << tcl_.result();
-        return tcl_.result();
-    }
+    std::string ok(const char* script) { return evalOk(tcl_, script); }
+    std::string error(const char* script) { return evalError(tcl_, script); }
 
     KxTclInterpreter tcl_;
     std::vector<unsigned int> fired_;
