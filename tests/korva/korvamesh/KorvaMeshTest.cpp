@@ -155,7 +155,9 @@ TEST(KorvaMeshTest, AsciiIgnoresTheLocale) {
     ASSERT_TRUE(written);
     ASSERT_TRUE(back);
     EXPECT_EQ(describeMeshDifference(sample.mesh, *back), "");
-    EXPECT_NE(readFileBytes(path).find("1.5"), std::string::npos);
+    // The matrix entry -3.5 is written with a decimal point, not a comma.
+    EXPECT_NE(readFileBytes(path).find(" -3.5 "), std::string::npos);
+    EXPECT_EQ(readFileBytes(path).find(" -3,5 "), std::string::npos);
 }
 
 TEST(KorvaMeshTest, FindDataNeedsAllFourKeys) {
