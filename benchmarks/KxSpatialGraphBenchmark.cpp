@@ -9,29 +9,15 @@
 #include <benchmark/benchmark.h>
 
 #include "korva/base/TypedData2D.h"
+#include "LongChain.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
 namespace {
 
 const int kPointsPerEdge = 10;
 
-// A chain of numEdges edges, each with kPointsPerEdge points.
 std::unique_ptr<KxSpatialGraph> buildGraph(int numEdges, bool sizeHint = true) {
-    auto g = std::make_unique<KxSpatialGraph>();
-    if (sizeHint) {
-        g->setSizeHint(numEdges + 1, numEdges, numEdges * kPointsPerEdge);
-    }
-    for (int v = 0; v <= numEdges; ++v) {
-        g->addVertex(Vec3f(static_cast<float>(v), 0, 0));
-    }
-    Vec3f points[kPointsPerEdge];
-    for (int e = 0; e < numEdges; ++e) {
-        for (int i = 0; i < kPointsPerEdge; ++i) {
-            points[i] = Vec3f(static_cast<float>(e) + static_cast<float>(i) / (kPointsPerEdge - 1), 0.5f, 0);
-        }
-        g->addEdge(e, e + 1, points, kPointsPerEdge);
-    }
-    return g;
+    return makeLongChain(numEdges, kPointsPerEdge, sizeHint);
 }
 
 // Every k-th edge, k chosen so that about percent % of the edges are listed.

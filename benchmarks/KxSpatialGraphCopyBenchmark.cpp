@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "LongChain.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
@@ -17,18 +18,7 @@ const int kPointsPerEdge = 10;
 // A chain of numEdges edges of kPointsPerEdge points with one float attribute
 // per point and one int attribute per edge.
 std::unique_ptr<KxSpatialGraph> buildGraph(int numEdges) {
-    auto g = std::make_unique<KxSpatialGraph>();
-    g->setSizeHint(numEdges + 1, numEdges, numEdges * kPointsPerEdge);
-    for (int v = 0; v <= numEdges; ++v) {
-        g->addVertex(Vec3f(static_cast<float>(v), 0, 0));
-    }
-    Vec3f points[kPointsPerEdge];
-    for (int e = 0; e < numEdges; ++e) {
-        for (int i = 0; i < kPointsPerEdge; ++i) {
-            points[i] = Vec3f(static_cast<float>(e) + static_cast<float>(i) / (kPointsPerEdge - 1), 0.5f, 0);
-        }
-        g->addEdge(e, e + 1, points, kPointsPerEdge);
-    }
+    auto g = makeLongChain(numEdges, kPointsPerEdge);
     g->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
     g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1);
     return g;
