@@ -71,7 +71,9 @@ const std::string& ensureFile(bool ascii) {
     std::string& path = paths[ascii];
     if (path.empty()) {
         path = fileFor(ascii);
-        const_cast<KxSpatialGraph&>(bigGraph()).saveKorvaMeshInternal(path.c_str(), ascii);
+        const_cast<KxSpatialGraph&>(bigGraph())
+            .saveKorvaMesh(path.c_str(), (ascii ? KxSpatialGraph::KorvaMeshEncoding::Ascii
+                                                : KxSpatialGraph::KorvaMeshEncoding::Binary));
     }
     return path;
 }
@@ -81,7 +83,8 @@ void BM_Save(benchmark::State& state) {
     KxSpatialGraph& g = const_cast<KxSpatialGraph&>(bigGraph());
     const std::string path = fileFor(ascii);
     for (auto _ : state) {
-        if (!g.saveKorvaMeshInternal(path.c_str(), ascii)) {
+        if (!g.saveKorvaMesh(path.c_str(), (ascii ? KxSpatialGraph::KorvaMeshEncoding::Ascii
+                                                  : KxSpatialGraph::KorvaMeshEncoding::Binary))) {
             state.SkipWithError("save failed");
         }
     }

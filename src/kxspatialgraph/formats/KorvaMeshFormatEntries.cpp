@@ -21,7 +21,7 @@ bool isGraph(const KorvaMesh& mesh) {
            mesh.findData("Vertices", PrimType::FLOAT32, 3, "VertexCoordinates");
 }
 
-int write(KxData* data, const char* filename, int ascii, int compress) {
+int write(KxData* data, const char* filename, KxSpatialGraph::KorvaMeshEncoding encoding) {
     KxSpatialGraph* graph = dynamic_cast<KxSpatialGraph*>(data);
     if (!graph) {
         theMsg->printf("Error: KorvaMesh files hold spatial graphs, not %s.", data->getTypeName());
@@ -30,7 +30,7 @@ int write(KxData* data, const char* filename, int ascii, int compress) {
     // The host passes a temporary name that it renames afterwards, so the
     // graph keeps the load command it had.
     std::string loadCmd = graph->getLoadCmd();
-    int ok = graph->saveKorvaMeshInternal(filename, ascii, compress);
+    int ok = graph->saveKorvaMesh(filename, encoding);
     graph->setLoadCmd(loadCmd.c_str());
     return ok;
 }
@@ -61,13 +61,13 @@ int kxspatialgraphCheckKorvaMesh(const char* header, int length) {
 }
 
 int kxspatialgraphWriteKorvaMesh(KxData* data, const char* filename) {
-    return write(data, filename, 0, 0);
+    return write(data, filename, KxSpatialGraph::KorvaMeshEncoding::Binary);
 }
 
 int kxspatialgraphWriteKorvaMeshCompressed(KxData* data, const char* filename) {
-    return write(data, filename, 0, 1);
+    return write(data, filename, KxSpatialGraph::KorvaMeshEncoding::BinaryCompressed);
 }
 
 int kxspatialgraphWriteKorvaMeshASCII(KxData* data, const char* filename) {
-    return write(data, filename, 1, 0);
+    return write(data, filename, KxSpatialGraph::KorvaMeshEncoding::Ascii);
 }

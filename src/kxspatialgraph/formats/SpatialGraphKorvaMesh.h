@@ -4,7 +4,7 @@ class KorvaMesh;
 class KxSpatialGraph;
 
 // Spatial graphs from parsed KorvaMesh objects: the current layout (locations
-// "VERTEX", "EDGE", "POINT"), written by KxSpatialGraph::saveKorvaMeshInternal,
+// "VERTEX", "EDGE", "POINT"), written by KxSpatialGraph::saveKorvaMesh,
 // and the legacy layout ("Vertices", "Edges", "EdgePoints", "Graph").
 
 // A new graph built from mesh, or null after the "expecting at least" line

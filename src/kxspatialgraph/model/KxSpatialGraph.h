@@ -260,20 +260,17 @@ public:
     const Box3f& getStoredBoundingBox() const { return fixedBox_; }
 
     // ---- KorvaMesh files (KxSpatialGraphKorvaMesh.cpp) ----------------------
-    // Writes the graph in the KorvaMesh layout of docs/korvamesh.md, ASCII
-    // when ascii is non-zero, else binary (zlib-compressed arrays when compress
-    // is non-zero), then takes filename as load command and counts as saved.
-    // Deliberate: an inconsistent graph gets "Error: Inconsistent
-    // spatialgraph!!!" and is written anyway. 0 after an error line when the
-    // file cannot be written (the old file then stays as it was), else 1.
-    int saveKorvaMeshInternal(const char* filename, int ascii, int compress = 0);
-    int saveKorvaMeshASCII(const char* filename) { return saveKorvaMeshInternal(filename, 1); }
-    int saveKorvaMeshBinary(const char* filename) { return saveKorvaMeshInternal(filename, 0); }
-    int saveKorvaMesh(const char* filename) { return saveKorvaMeshInternal(filename, 0); }
 
-    // ==== Copy, merge, transform, bounding boxes, range sets, console commands ====
-    // Implemented in KxSpatialGraphCopy.cpp, KxSpatialGraphTransform.cpp and
-    // KxSpatialGraphCommands.cpp.
+    enum class KorvaMeshEncoding { Binary, BinaryCompressed, Ascii };
+    // Writes the graph in the KorvaMesh layout of docs/korvamesh.md, then
+    // takes filename as load command and counts as saved. Deliberate: an
+    // inconsistent graph gets "Error: Inconsistent spatialgraph!!!" and is
+    // written anyway. 0 after an error line when the file cannot be written
+    // (the old file then stays as it was), else 1.
+    int saveKorvaMesh(const char* filename, KorvaMeshEncoding encoding = KorvaMeshEncoding::Binary);
+
+    // ---- Copy, merge, transform, bounding boxes, range sets, console commands ----
+    // (KxSpatialGraphCopy.cpp, KxSpatialGraphTransform.cpp, KxSpatialGraphCommands.cpp)
 
     // Makes this graph a copy of other: parameters (label group bundles
     // included), transformation, vertices, edges with their points, and the
@@ -311,12 +308,6 @@ public:
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
     // Makes the command words above known to the console's help.
     static void registerConsoleCommands();
-
-private:
-    KxRangeSetDataImpl rangeSet_{this};
-
-public:
-    // ==== End of copy/merge/transform section ====
 
 private:
     friend class KxSpatialGraphTestAccess;
@@ -359,4 +350,5 @@ private:
     Box3f fixedBox_;
     bool hasFixedBox_ = false;
     KxSpatialGraphInterface* interface_ = nullptr;
+    KxRangeSetDataImpl rangeSet_{this};
 };

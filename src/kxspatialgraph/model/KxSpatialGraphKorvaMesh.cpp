@@ -37,7 +37,7 @@ void addAttributeArrays(KorvaMesh& mesh, const KorvaMesh::Location* location, in
 
 }  // namespace
 
-int KxSpatialGraph::saveKorvaMeshInternal(const char* filename, int ascii, int compress) {
+int KxSpatialGraph::saveKorvaMesh(const char* filename, KorvaMeshEncoding encoding) {
     if (!isConsistent()) {
         theMsg->printf("Error: Inconsistent spatialgraph!!!");
     }
@@ -85,7 +85,8 @@ int KxSpatialGraph::saveKorvaMeshInternal(const char* filename, int ascii, int c
         [](const KxSpatialGraph& g, int i) -> GraphAttribute* { return g.getEdgePointAttribute(i); }, *this,
         keep);
 
-    if (!mesh.write(filename, ascii, compress)) {
+    if (!mesh.write(filename, encoding == KorvaMeshEncoding::Ascii,
+                    encoding == KorvaMeshEncoding::BinaryCompressed)) {
         return 0;
     }
     setLoadCmd(filename);

@@ -149,7 +149,7 @@ TEST_F(KorvaMeshFormatEntriesTest, KorvaInfoAndConvert) {
     std::unique_ptr<KxSpatialGraph> g = GraphFixtures::makeChain(4);
     std::string in = dir_.path("chain.kxm");
     std::string out = dir_.path("converted.kxm");
-    ASSERT_EQ(g->saveKorvaMeshASCII(in.c_str()), 1);
+    ASSERT_EQ(g->saveKorvaMesh(in.c_str(), KxSpatialGraph::KorvaMeshEncoding::Ascii), 1);
     // Coin keeps some allocations for the life of the process; in sanitizer
     // builds the executable would report them as leaks on exit.
     const std::string korva = "ASAN_OPTIONS=detect_leaks=0 " + std::string(KORVA_BINARY_DIR) + "/bin/korva";

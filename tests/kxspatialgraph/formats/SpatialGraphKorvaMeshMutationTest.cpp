@@ -20,7 +20,7 @@ TEST(SpatialGraphKorvaMeshMutationTest, DamagedGraphFilesNeverCrashTheReaders) {
     std::unique_ptr<KxSpatialGraph> g = GraphFixtures::makeLoop();
     GraphFixtures::addIdentityMarkers(*g);
     std::string graphFile = dir.path("g.kxm");
-    ASSERT_EQ(g->saveKorvaMeshASCII(graphFile.c_str()), 1);
+    ASSERT_EQ(g->saveKorvaMesh(graphFile.c_str(), KxSpatialGraph::KorvaMeshEncoding::Ascii), 1);
 
     KorvaMesh skeleton;
     float coords[15] = {0, 0, 0, 1, 0, 0, 2, 0, 0, 3, 0, 0, 1, 1, 0};

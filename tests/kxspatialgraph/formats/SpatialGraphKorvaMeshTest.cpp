@@ -29,9 +29,11 @@ const GraphComparisonOptions kFileRoundTrip = [] {
 
 struct Encoding {
     const char* name;
-    int ascii, compress;
+    KxSpatialGraph::KorvaMeshEncoding encoding;
 };
-const Encoding kEncodings[] = {{"ascii", 1, 0}, {"binary", 0, 0}, {"compressed", 0, 1}};
+const Encoding kEncodings[] = {{"ascii", KxSpatialGraph::KorvaMeshEncoding::Ascii},
+                               {"binary", KxSpatialGraph::KorvaMeshEncoding::Binary},
+                               {"compressed", KxSpatialGraph::KorvaMeshEncoding::BinaryCompressed}};
 
 // Everything a graph file carries: markers on all locations, a float vector
 // attribute, a label group, a user parameter and a transformation.
@@ -72,7 +74,7 @@ TEST(SpatialGraphKorvaMeshTest, RoundTripsReproduceWholeGraphs) {
             g->setModified(true);
             std::string path = dir.path(std::string("g_") + e.name + ".kxm");
             KxMessageCapture capture;
-            ASSERT_EQ(g->saveKorvaMeshInternal(path.c_str(), e.ascii, e.compress), 1) << capture.text();
+            ASSERT_EQ(g->saveKorvaMesh(path.c_str(), e.encoding), 1) << capture.text();
             EXPECT_STREQ(g->getLoadCmd(), path.c_str());
             EXPECT_FALSE(g->isModified());
 
@@ -92,7 +94,7 @@ TEST(SpatialGraphKorvaMeshTest, WritesTheDocumentedArraysInOrder) {
     std::unique_ptr<KxSpatialGraph> g = makeY();
     addIdentityMarkers(*g);
     std::string path = dir.path("y.kxm");
-    ASSERT_EQ(g->saveKorvaMeshBinary(path.c_str()), 1);
+    ASSERT_EQ(g->saveKorvaMesh(path.c_str()), 1);
     std::unique_ptr<KorvaMesh> mesh = KorvaMesh::read(path.c_str());
     ASSERT_TRUE(mesh);
     std::vector<std::string> arrays;
@@ -121,7 +123,9 @@ TEST(SpatialGraphKorvaMeshTest, GraphWithoutEdgesKeepsItsVertices) {
     g.addVertex(Vec3f(-1, 0, 0.5f));
     std::string path = dir.path("vertices.kxm");
     for (int ascii = 0; ascii < 2; ++ascii) {
-        ASSERT_EQ(g.saveKorvaMeshInternal(path.c_str(), ascii), 1);
+        ASSERT_EQ(g.saveKorvaMesh(path.c_str(), (ascii ? KxSpatialGraph::KorvaMeshEncoding::Ascii
+                                                       : KxSpatialGraph::KorvaMeshEncoding::Binary)),
+                  1);
         std::unique_ptr<KorvaMesh> mesh = KorvaMesh::read(path.c_str());
         ASSERT_TRUE(mesh);
         EXPECT_EQ(mesh->findLocation("EDGE")->getSize(), 0);
@@ -139,7 +143,7 @@ TEST(SpatialGraphKorvaMeshTest, InconsistentGraphIsReportedAndStillWritten) {
     g->setVertexCoords(1, Vec3f(5, 5, 5));
     std::string path = dir.path("bad.kxm");
     KxMessageCapture capture;
-    ASSERT_EQ(g->saveKorvaMeshASCII(path.c_str()), 1);
+    ASSERT_EQ(g->saveKorvaMesh(path.c_str(), KxSpatialGraph::KorvaMeshEncoding::Ascii), 1);
     EXPECT_TRUE(capture.contains("Error: Inconsistent spatialgraph!!!")) << capture.text();
     capture.clear();
     std::unique_ptr<KxSpatialGraph> back = readBack(path, capture);
