@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "korva/core/KxMessageConsole.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
 namespace {
@@ -42,6 +43,23 @@ SpatialGraphSelection Operation::getVisibleSelectionAfterUndo() const {
 
 Vec3f Operation::getVertex(int v) const {
     return graph_->getVertexCoords(v);
+}
+
+bool Operation::checkVertex(const char* operation, int v) const {
+    if (v >= 0 && v < graph_->getNumVertices()) {
+        return true;
+    }
+    theMsg->printf("Error: %s: vertex %d does not exist (%d vertices).", operation, v,
+                   graph_->getNumVertices());
+    return false;
+}
+
+bool Operation::checkEdge(const char* operation, int e) const {
+    if (e >= 0 && e < graph_->getNumEdges()) {
+        return true;
+    }
+    theMsg->printf("Error: %s: edge %d does not exist (%d edges).", operation, e, graph_->getNumEdges());
+    return false;
 }
 
 void Operation::startCursors() {

@@ -56,6 +56,12 @@ protected:
         int current_ = -1;
     };
 
+    // False after an "Error: " line naming the operation when v (e) is not a
+    // vertex (edge) of the graph. Operations refuse such indices instead of
+    // handing them to the primitives, which do not check them.
+    bool checkVertex(const char* operation, int v) const;
+    bool checkEdge(const char* operation, int e) const;
+
     // Restarts the vertex, edge and all-points cursors on the highlighted
     // selection as it is now (the constructor starts them once).
     void startCursors();
