@@ -240,13 +240,47 @@ public:
     static bool assignChildLabelId(KxParamBundle* parent, const char* childName, int id);
 
     // ---- Traversal (KxSpatialGraphTraversal.cpp) -------------------------------
+    // Every search visits edges in the order of the incidence lists and uses
+    // an explicit stack or queue, so long chains cannot exhaust the stack.
+    // Result selections are sized to the graph and hold vertices and edges
+    // only. Start vertices outside the graph give empty results.
 
     // Selects vertex and, following the incidence lists in order, every edge
     // not yet selected and the vertex at its other end. Only edges count as
-    // visited. Iterative, so long chains cannot exhaust the stack.
+    // visited.
     void depthFirstSearch(int vertex, SpatialGraphSelection& selection) const;
-    // A new selection sized to the graph holding vertex's connected component.
+    // As above, but follows an edge only when its value in the int edge
+    // attribute is strictly above the threshold (strictly below when
+    // decreasing), the edge's value becoming the threshold beyond it.
+    void depthFirstSearch(int vertex, int threshold, const EdgeVertexAttribute* attribute,
+                          SpatialGraphSelection& selection, bool decreasing) const;
+    // Fewest-edges path from `from` to `to`: selects `to`, the vertices back
+    // to `from` and between each pair the first joining edge of the nearer
+    // vertex's incidence list. False with nothing selected when unreachable.
+    bool breadthFirstSearch(int from, int to, SpatialGraphSelection& selection) const;
+    // A new selection holding vertex's connected component.
     SpatialGraphSelection getConnectedComponent(int vertex) const;
+    // A new selection holding the path of breadthFirstSearch; empty when unreachable.
+    SpatialGraphSelection getShortestPath(int from, int to) const;
+    // The subtrees climbing (or descending) the edge attribute "Ranks" from
+    // an edge's ends, or from a vertex; empty when the graph has no "Ranks".
+    SpatialGraphSelection getSubTreeByEdge(int edge, bool decreasing) const;
+    SpatialGraphSelection getSubTreeByVertex(int vertex, bool decreasing) const;
+    // The components touched by the selection: first those reached through
+    // its selected edges, then through its remaining selected vertices.
+    int getNumComponentsInSelection(const SpatialGraphSelection& selection) const;
+    // A copy of the selection with every touched component added.
+    SpatialGraphSelection getConnectedComponentFromSelection(const SpatialGraphSelection& selection) const;
+    DArray<SpatialGraphSelection> getAllConnectedComponents(const SpatialGraphSelection& selection) const;
+    // The components of the selection's vertices whose vertices and edges
+    // all lie in the selection. Components reached only through selected
+    // edges are not considered.
+    SpatialGraphSelection getConnectedComponentsContainedInSelection(
+        const SpatialGraphSelection& selection) const;
+    // A new graph (owned by the caller) holding only the selected elements,
+    // with their attributes and label groups: a duplicate with everything
+    // else deleted. This graph is not changed.
+    KxSpatialGraph* getSubgraph(const SpatialGraphSelection& selection) const;
 
     // ---- Fixed bounding box ----------------------------------------------------
 
