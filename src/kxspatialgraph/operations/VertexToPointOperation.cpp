@@ -39,8 +39,16 @@ void VertexToPointOperation::exec() {
     if (!done_) {
         return;
     }
-    first_ = graph_->getIncidentEdges(vertex_)[0];
-    second_ = graph_->getIncidentEdges(vertex_)[1];
+    const KxSpatialGraph::IncidenceList& edges = graph_->getIncidentEdges(vertex_);
+    // A redo joins the edges in the order of the first exec: the undo
+    // re-attached them in ascending order, which may differ from the
+    // incidence order the first exec saw.
+    bool sameEdges =
+        (edges[0] == first_ && edges[1] == second_) || (edges[0] == second_ && edges[1] == first_);
+    if (!sameEdges) {
+        first_ = edges[0];
+        second_ = edges[1];
+    }
     savedVertex_.save(*graph_, DArray<int>{vertex_});
     savedEdges_.save(*graph_, DArray<int>{std::min(first_, second_), std::max(first_, second_)});
 

@@ -1,0 +1,322 @@
+// Random sequences of editing operations on random graphs: every undo must
+// give back the graph as it was before the exec, every redo the graph as the
+// first exec left it, and the graph must stay consistent throughout.
+// KORVA_MODEL_SEEDS=N runs N seeds instead of the fixed few.
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/operations/AddVertexOperation.h"
+#include "kxspatialgraph/operations/ConnectOperation.h"
+#include "kxspatialgraph/operations/DeleteOperation.h"
+#include "kxspatialgraph/operations/FindAndDeleteIsolatedVertices.h"
+#include "kxspatialgraph/operations/InsertEdgePointsOperation.h"
+#include "kxspatialgraph/operations/MoveOperation.h"
+#include "kxspatialgraph/operations/PointToVertexOperation.h"
+#include "kxspatialgraph/operations/ReplaceOperation.h"
+#include "kxspatialgraph/operations/SmoothOperation.h"
+#include "kxspatialgraph/operations/VertexToPointOperation.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+namespace {
+
+using Rng = std::mt19937;
+
+int pick(Rng& rng, int n) {
+    return std::uniform_int_distribution<int>(0, n - 1)(rng);
+}
+
+bool chance(Rng& rng, double p) {
+    return std::bernoulli_distribution(p)(rng);
+}
+
+Vec3f randomPoint(Rng& rng) {
+    std::uniform_real_distribution<float> coord(-10.0f, 10.0f);
+    return Vec3f(coord(rng), coord(rng), coord(rng));
+}
+
+// A polyline of n points from a to b with random interior points.
+DArray<Vec3f> randomPolyline(Rng& rng, const Vec3f& a, const Vec3f& b, int n) {
+    DArray<Vec3f> points{a};
+    for (int i = 1; i < n - 1; ++i) {
+        points.append(randomPoint(rng));
+    }
+    points.append(b);
+    return points;
+}
+
+void fillRandomValues(KxSpatialGraph& g, Rng& rng) {
+    for (int loc = 0; loc < 3; ++loc) {
+        auto location = static_cast<KxSpatialGraph::Location>(loc);
+        for (int k = 0; k < g.numAttributes(location); ++k) {
+            GraphAttribute* a = g.attribute(location, k);
+            auto* bytes = static_cast<unsigned char*>(a->dataPtr());
+            for (int i = 0; i < a->size() * a->getElementSize(); ++i) {
+                bytes[i] = static_cast<unsigned char>(pick(rng, 256));
+            }
+        }
+    }
+}
+
+// Vertices, edges (loops and parallel edges included) with 2 to 5 points,
+// isolated vertices, attributes on all three locations and a label group.
+std::unique_ptr<KxSpatialGraph> randomGraph(Rng& rng) {
+    auto g = std::make_unique<KxSpatialGraph>();
+    int numVertices = 2 + pick(rng, 8);
+    for (int v = 0; v < numVertices; ++v) {
+        g->addVertex(randomPoint(rng));
+    }
+    int numEdges = pick(rng, 12);
+    for (int e = 0; e < numEdges; ++e) {
+        int s = pick(rng, numVertices);
+        int t = chance(rng, 0.1) ? s : pick(rng, numVertices);
+        g->addEdge(s, t, randomPolyline(rng, g->getVertexCoords(s), g->getVertexCoords(t), 2 + pick(rng, 4)));
+    }
+    HierarchicalLabels* labels = g->addNewLabelGroup("Regions", true, true, false);
+    labels->addLabel(0, "Soma", SbColor(1, 0, 0));
+    g->addAttribute("VertexVec", KxSpatialGraph::VERTEX, PrimType::FLOAT32, 3);
+    g->addAttribute("Weight", KxSpatialGraph::EDGE, PrimType::FLOAT32, 1);
+    g->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
+    g->addAttribute("PointId", KxSpatialGraph::POINT, PrimType::INT32, 2);
+    fillRandomValues(*g, rng);
+    return g;
+}
+
+SpatialGraphSelection randomSelection(const KxSpatialGraph& g, Rng& rng, double p) {
+    SpatialGraphSelection s(&g);
+    for (int v = 0; v < g.getNumVertices(); ++v) {
+        if (chance(rng, p)) {
+            s.selectVertex(v);
+        }
+    }
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        if (chance(rng, p)) {
+            s.selectEdge(e);
+        }
+        if (chance(rng, p / 2)) {
+            s.selectAllPointsOnEdge(e);
+        }
+    }
+    return s;
+}
+
+DArray<int> verticesWhere(const KxSpatialGraph& g, const std::function<bool(int)>& wanted) {
+    DArray<int> found;
+    for (int v = 0; v < g.getNumVertices(); ++v) {
+        if (wanted(v)) {
+            found.append(v);
+        }
+    }
+    return found;
+}
+
+// A random edge point of an edge with at least minPoints points, at an index
+// in [first, count - 1 - (fromEnd)], or (-1, -1).
+SpatialGraphPoint randomInteriorPoint(const KxSpatialGraph& g, Rng& rng, int minPoints, int fromEnd) {
+    DArray<int> edges;
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        if (g.getNumEdgePoints(e) >= minPoints) {
+            edges.append(e);
+        }
+    }
+    if (edges.isEmpty()) {
+        return SpatialGraphPoint();
+    }
+    int e = edges[pick(rng, edges.size())];
+    return SpatialGraphPoint(e, 1 + pick(rng, g.getNumEdgePoints(e) - 1 - fromEnd));
+}
+
+// Builds a valid operation with random arguments on the graph, or null when
+// the graph offers no place for one. Composite operations join as rows.
+struct OperationMaker {
+    const char* name;
+    std::function<std::unique_ptr<Operation>(KxSpatialGraph&, Rng&)> make;
+};
+
+const std::vector<OperationMaker>& operationMakers() {
+    static const std::vector<OperationMaker> makers = {
+        {"AddVertexOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             return std::make_unique<AddVertexOperation>(&g, randomPoint(rng), SpatialGraphSelection(&g),
+                                                         randomSelection(g, rng, 0.5));
+         }},
+        {"ConnectOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             if (g.getNumVertices() < 2) {
+                 return nullptr;
+             }
+             SpatialGraphSelection ends(&g);
+             int a = pick(rng, g.getNumVertices());
+             int b = pick(rng, g.getNumVertices());
+             if (a == b) {
+                 return nullptr;
+             }
+             ends.selectVertex(a);
+             ends.selectVertex(b);
+             auto op = std::make_unique<ConnectOperation>(&g, ends, randomSelection(g, rng, 0.5));
+             int n = pick(rng, 6);
+             op->setEdgePoints(randomPolyline(rng, g.getVertexCoords(std::min(a, b)),
+                                              g.getVertexCoords(std::max(a, b)), std::max(n, 2)));
+             return op;
+         }},
+        {"MoveOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             // Only isolated vertices: moving others needs their polylines replaced too.
+             DArray<int> isolated = verticesWhere(g, [&](int v) { return g.getIncidentEdges(v).isEmpty(); });
+             if (isolated.isEmpty()) {
+                 return nullptr;
+             }
+             return std::make_unique<MoveOperation>(&g, isolated[pick(rng, isolated.size())],
+                                                    randomPoint(rng), SpatialGraphSelection(&g),
+                                                    SpatialGraphSelection(&g));
+         }},
+        {"ReplaceOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             if (g.getNumEdges() == 0) {
+                 return nullptr;
+             }
+             int e = pick(rng, g.getNumEdges());
+             DArray<Vec3f> points = randomPolyline(rng, g.getVertexCoords(g.getEdgeSource(e)),
+                                                   g.getVertexCoords(g.getEdgeTarget(e)), 2 + pick(rng, 5));
+             return std::make_unique<ReplaceOperation>(&g, e, points, SpatialGraphSelection(&g),
+                                                       SpatialGraphSelection(&g));
+         }},
+        {"InsertEdgePointsOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             SpatialGraphPoint at = randomInteriorPoint(g, rng, 2, 0);
+             if (at.edgeNum < 0) {
+                 return nullptr;
+             }
+             SpatialGraphSelection highlighted(&g);
+             highlighted.selectPoint(at);
+             DArray<Vec3f> points;
+             for (int i = 0; i <= pick(rng, 3); ++i) {
+                 points.append(randomPoint(rng));
+             }
+             return std::make_unique<InsertEdgePointsOperation>(&g, points, highlighted,
+                                                                randomSelection(g, rng, 0.5));
+         }},
+        {"SmoothOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             auto op = std::make_unique<SmoothOperation>(&g, randomSelection(g, rng, 0.6),
+                                                         randomSelection(g, rng, 0.5));
+             // Deliberate: averaging 2 points also halves the end points; not a valid edit.
+             const int counts[] = {1, 3, 4, 5};
+             op->setNumPointsToAverage(counts[pick(rng, 4)]);
+             op->setDirection(chance(rng, 0.7), chance(rng, 0.7), chance(rng, 0.7));
+             return op;
+         }},
+        {"DeleteOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             return std::make_unique<DeleteOperation>(&g, randomSelection(g, rng, 0.3),
+                                                      randomSelection(g, rng, 0.5));
+         }},
+        {"FindAndDeleteIsolatedVertices",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             return std::make_unique<FindAndDeleteIsolatedVertices>(&g, randomSelection(g, rng, 0.3),
+                                                                    randomSelection(g, rng, 0.5));
+         }},
+        {"VertexToPointOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             DArray<int> convertible = verticesWhere(g, [&](int v) {
+                 const auto& list = g.getIncidentEdges(v);
+                 return list.size() == 2 && list[0] != list[1];
+             });
+             if (convertible.isEmpty()) {
+                 return nullptr;
+             }
+             SpatialGraphSelection highlighted(&g);
+             highlighted.selectVertex(convertible[pick(rng, convertible.size())]);
+             return std::make_unique<VertexToPointOperation>(&g, highlighted, randomSelection(g, rng, 0.5));
+         }},
+        {"PointToVertexOperation",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             SpatialGraphPoint at = randomInteriorPoint(g, rng, 3, 1);
+             if (at.edgeNum < 0) {
+                 return nullptr;
+             }
+             SpatialGraphSelection highlighted(&g);
+             highlighted.selectPoint(at);
+             return std::make_unique<PointToVertexOperation>(&g, highlighted, randomSelection(g, rng, 0.5));
+         }},
+    };
+    return makers;
+}
+
+struct Done {
+    std::unique_ptr<Operation> op;
+    GraphSnapshot before;
+    std::string name;
+};
+
+// Runs steps random steps on random graphs: mostly new operations (exec, undo,
+// redo), sometimes an undo from the stack, which is unwound when it grows.
+void runSeed(unsigned seed, int steps) {
+    Rng rng(seed);
+    std::unique_ptr<KxSpatialGraph> g = randomGraph(rng);
+    std::vector<Done> stack;
+    KxMessageCapture capture;
+    for (int step = 0; step < steps; ++step) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", step " + std::to_string(step));
+        if (!stack.empty() && (chance(rng, 0.25) || stack.size() > 30 || g->getNumEdges() > 40)) {
+            Done& last = stack.back();
+            SCOPED_TRACE("undo of " + last.name);
+            last.op->undo();
+            ASSERT_TRUE(sameGraph(last.before, *g));
+            stack.pop_back();
+            continue;
+        }
+        if (stack.empty() && chance(rng, 0.05)) {
+            g = randomGraph(rng);
+        }
+        const OperationMaker& maker =
+            operationMakers()[pick(rng, static_cast<int>(operationMakers().size()))];
+        SCOPED_TRACE(maker.name);
+        std::unique_ptr<Operation> op = maker.make(*g, rng);
+        if (!op) {
+            continue;
+        }
+        GraphSnapshot before = takeSnapshot(*g);
+        op->exec();
+        ASSERT_TRUE(graphIsConsistent(*g));
+        GraphSnapshot after = takeSnapshot(*g);
+        op->undo();
+        ASSERT_TRUE(sameGraph(before, *g));
+        op->exec();
+        ASSERT_TRUE(sameGraph(after, *g));
+        ASSERT_EQ(capture.numErrors(), 0) << capture.text();
+        stack.push_back({std::move(op), std::move(before), maker.name});
+    }
+    while (!stack.empty()) {
+        stack.back().op->undo();
+        ASSERT_TRUE(sameGraph(stack.back().before, *g));
+        stack.pop_back();
+    }
+}
+
+}  // namespace
+
+TEST(OperationModelTest, UndoAndRedoRestoreTheGraphExactly) {
+    int seeds = 16;
+    if (const char* env = std::getenv("KORVA_MODEL_SEEDS")) {
+        seeds = std::max(1, std::atoi(env));
+    }
+    for (int s = 0; s < seeds; ++s) {
+        runSeed(1000u + static_cast<unsigned>(s), 500);
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
