@@ -1,0 +1,224 @@
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/operations/ConnectOperation.h"
+#include "kxspatialgraph/operations/MoveOperation.h"
+#include "kxspatialgraph/operations/PointToVertexOperation.h"
+#include "kxspatialgraph/operations/ReplaceOperation.h"
+#include "kxspatialgraph/operations/SmoothOperation.h"
+#include "kxspatialgraph/operations/VertexToPointOperation.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+std::vector<int> pointMarkers(const KxSpatialGraph& g, int e) {
+    const PointAttribute* markers = g.findEdgePointAttribute("PointMarker");
+    std::vector<int> values;
+    for (int p = 0; p < g.getNumEdgePoints(e); ++p) {
+        values.push_back(markers->getIntDataAtPoint(e, p));
+    }
+    return values;
+}
+
+std::vector<float> xs(const DArray<Vec3f>& points) {
+    std::vector<float> values;
+    for (const Vec3f& p : points) {
+        values.push_back(p.x);
+    }
+    return values;
+}
+
+}  // namespace
+
+TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactlyAsSpecified) {
+    const DArray<Vec3f> p{Vec3f(0, 0, 0), Vec3f(3, 1, 2), Vec3f(6, 5, 4), Vec3f(12, 0, 8), Vec3f(24, 2, 16)};
+    struct Case {
+        const char* name;
+        DArray<Vec3f> points;
+        int n;
+        bool x, y, z;
+        std::vector<float> x_;
+        float y1;  // y of point 1 afterwards
+    };
+    const Case cases[] = {
+        {"n = 3 changes the interior points only", p, 3, true, true, true, {0, 3, 7, 14, 24}, 2},
+        {"n = 1 changes nothing", p, 1, true, true, true, {0, 3, 6, 12, 24}, 1},
+        {"n = 4 sums 3 points and divides by 4", p, 4, true, true, true, {0, 2.25f, 5.25f, 10.5f, 24}, 1.5f},
+        {"n = 5 keeps the first and last two", p, 5, true, true, true, {0, 3, 9, 12, 24}, 1},
+        {"only x enabled", p, 3, true, false, false, {0, 3, 7, 14, 24}, 1},
+        {"only y enabled", p, 3, false, true, false, {0, 3, 6, 12, 24}, 2},
+        {"fewer points than 2h + 1",
+         DArray<Vec3f>{Vec3f(0, 0, 0), Vec3f(3, 1, 2)},
+         3,
+         true,
+         true,
+         true,
+         {0, 3},
+         1},
+    };
+    auto g = makeChain(2);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        SmoothOperation op(g.get(), SpatialGraphSelection(g.get()), SpatialGraphSelection(g.get()));
+        op.setDirection(c.x, c.y, c.z);
+        DArray<Vec3f> smoothed = op.smoothEdge(c.points, c.n);
+        EXPECT_EQ(xs(smoothed), c.x_);
+        EXPECT_FLOAT_EQ(smoothed[1].y, c.y1);
+        EXPECT_EQ(smoothed[0], c.points[0]);
+    }
+}
+
+TEST(OperationEffectsTest, VertexToPointJoinsPolylinesAndValuesTowardsTheFarEnds) {
+    // Vertex 1 lies between vertex 0 at (0,0,0) and vertex 2 at (4,0,0); the
+    // first edge has 3 points, the second 4.
+    struct Case {
+        const char* name;
+        bool firstStartsAtVertex;
+        bool secondStartsAtVertex;
+        std::vector<float> joinedX;
+        std::vector<int> joinedMarkers;
+    };
+    const Case cases[] = {
+        {"ending at it, then starting at it: directions kept",
+         false,
+         true,
+         {0, 1, 2, 3, 3.5f, 4},
+         {0, 1, 10000, 10001, 10002, 10003}},
+        {"both starting at it: the first is reversed",
+         true,
+         true,
+         {0, 1, 2, 3, 3.5f, 4},
+         {2, 1, 10000, 10001, 10002, 10003}},
+        {"both ending at it: the second is reversed",
+         false,
+         false,
+         {0, 1, 2, 3, 3.5f, 4},
+         {0, 1, 10003, 10002, 10001, 10000}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        KxSpatialGraph g;
+        Vec3f at[3] = {Vec3f(0, 0, 0), Vec3f(2, 0, 0), Vec3f(4, 0, 0)};
+        for (const Vec3f& v : at) {
+            g.addVertex(v);
+        }
+        DArray<Vec3f> first = straightPoints(at[0], at[1], 3);
+        DArray<Vec3f> second{at[1], Vec3f(3, 0, 0), Vec3f(3.5f, 0, 0), at[2]};
+        if (c.firstStartsAtVertex) {
+            g.addEdge(1, 0, DArray<Vec3f>{first[2], first[1], first[0]});
+        } else {
+            g.addEdge(0, 1, first);
+        }
+        if (c.secondStartsAtVertex) {
+            g.addEdge(1, 2, second);
+        } else {
+            g.addEdge(2, 1, DArray<Vec3f>{second[3], second[2], second[1], second[0]});
+        }
+        addIdentityMarkers(g);
+        GraphSnapshot before = takeSnapshot(g);
+        SpatialGraphSelection highlighted(&g);
+        highlighted.selectVertex(1);
+        VertexToPointOperation op(&g, highlighted, SpatialGraphSelection(&g));
+        op.exec();
+        ASSERT_EQ(g.getNumVertices(), 2);
+        ASSERT_EQ(g.getNumEdges(), 1);
+        EXPECT_EQ(g.getEdgeSource(0), 0);
+        EXPECT_EQ(g.getEdgeTarget(0), 1);
+        EXPECT_EQ(xs(g.getEdgePoints(0)), c.joinedX);
+        EXPECT_EQ(pointMarkers(g, 0), c.joinedMarkers);
+        EXPECT_EQ(g.findEdgeAttribute("EdgeMarker")->getIntDataAtIdx(0), 2000);
+        expectConsistent(g);
+        op.undo();
+        EXPECT_TRUE(sameGraph(before, g));
+    }
+}
+
+TEST(OperationEffectsTest, PointToVertexSplitsInteriorPointsOnly) {
+    struct Case {
+        const char* name;
+        int point;
+        bool converts;
+    };
+    const Case cases[] = {
+        {"interior point of a 3-point edge", 1, true}, {"first point", 0, false}, {"last point", 2, false}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto g = makeChain(3);  // edge 1 has 3 points
+        addIdentityMarkers(*g);
+        GraphSnapshot before = takeSnapshot(*g);
+        SpatialGraphSelection highlighted(g.get());
+        highlighted.selectPoint(SpatialGraphPoint(1, c.point));
+        PointToVertexOperation op(g.get(), highlighted, SpatialGraphSelection(g.get()));
+        KxMessageCapture capture;
+        op.exec();
+        if (!c.converts) {
+            EXPECT_TRUE(capture.contains("Cannot convert first or last point on edge to vertex"));
+            EXPECT_TRUE(sameGraph(before, *g));
+            EXPECT_EQ(op.getNewVertexNum(), -1);
+            continue;
+        }
+        ASSERT_EQ(op.getNewVertexNum(), 3);
+        ASSERT_EQ(g->getNumEdges(), 3);
+        EXPECT_EQ(g->getEdgeSource(1), 1);
+        EXPECT_EQ(g->getEdgeTarget(1), 3);
+        EXPECT_EQ(g->getEdgeSource(2), 3);
+        EXPECT_EQ(g->getEdgeTarget(2), 2);
+        EXPECT_EQ(pointMarkers(*g, 1), (std::vector<int>{10000, 10001}));
+        EXPECT_EQ(pointMarkers(*g, 2), (std::vector<int>{10001, 10002}));
+        EXPECT_EQ(g->findEdgeAttribute("EdgeMarker")->getIntDataAtIdx(2), 2001);
+        expectConsistent(*g);
+        op.undo();
+        EXPECT_TRUE(sameGraph(before, *g));
+    }
+}
+
+TEST(OperationEffectsTest, ConnectTakesOnlyPolylinesOfThreeOrMorePoints) {
+    for (int n : {0, 2, 3, 5}) {
+        SCOPED_TRACE(n);
+        auto g = makeTwoComponents();
+        SpatialGraphSelection ends(g.get());
+        ends.selectVertex(4);
+        ends.selectVertex(2);
+        ConnectOperation op(g.get(), ends, SpatialGraphSelection(g.get()));
+        DArray<Vec3f> polyline;
+        if (n > 0) {
+            polyline = straightPoints(g->getVertexCoords(2), g->getVertexCoords(4), n);
+        }
+        op.setEdgePoints(polyline);
+        op.exec();
+        EXPECT_EQ(g->getEdgeSource(3), 2);
+        EXPECT_EQ(g->getEdgeTarget(3), 4);
+        EXPECT_EQ(g->getNumEdgePoints(3), n >= 3 ? n : 2);
+        expectConsistent(*g);
+    }
+}
+
+TEST(OperationEffectsTest, MoveAndReplaceUndoToTheStateAtConstruction) {
+    auto g = makeY();
+    addIdentityMarkers(*g);
+    GraphSnapshot atConstruction = takeSnapshot(*g);
+    SpatialGraphSelection none(g.get());
+    MoveOperation move(g.get(), 1, Vec3f(7, 7, 7), none, none);
+    ReplaceOperation replace(g.get(), 0, straightPoints(g->getVertexCoords(0), g->getVertexCoords(1), 2),
+                             none, none);
+    // Changed by other means before the operations run.
+    g->setVertexCoords(1, Vec3f(-1, -1, -1));
+    g->setEdgePoints(0, straightPoints(g->getVertexCoords(0), Vec3f(-1, -1, -1), 6));
+    move.exec();
+    replace.exec();
+    EXPECT_EQ(g->getVertexCoords(1), Vec3f(7, 7, 7));
+    EXPECT_EQ(g->getNumEdgePoints(0), 2);
+    replace.undo();
+    move.undo();
+    EXPECT_TRUE(sameGraph(atConstruction, *g));
+}

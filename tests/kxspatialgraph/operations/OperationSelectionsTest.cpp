@@ -1,0 +1,220 @@
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/operations/AddVertexOperation.h"
+#include "kxspatialgraph/operations/ConnectOperation.h"
+#include "kxspatialgraph/operations/DeleteOperation.h"
+#include "kxspatialgraph/operations/FindAndDeleteIsolatedVertices.h"
+#include "kxspatialgraph/operations/InsertEdgePointsOperation.h"
+#include "kxspatialgraph/operations/MoveOperation.h"
+#include "kxspatialgraph/operations/PointToVertexOperation.h"
+#include "kxspatialgraph/operations/SmoothOperation.h"
+#include "kxspatialgraph/operations/VertexToPointOperation.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+// "V:0110 E:101 A:100": vertex bits, edge bits and all-points bits.
+std::string bits(const SpatialGraphSelection& s) {
+    std::string out = "V:";
+    for (int v = 0; v < s.getNumVertices(); ++v) {
+        out += s.isSelectedVertex(v) ? '1' : '0';
+    }
+    out += " E:";
+    for (int e = 0; e < s.getNumEdges(); ++e) {
+        out += s.isSelectedEdge(e) ? '1' : '0';
+    }
+    out += " A:";
+    for (int e = 0; e < s.getNumEdges(); ++e) {
+        out += s.allPointsOnEdgeSelected(e) ? '1' : '0';
+    }
+    return out;
+}
+
+// A selection from strings like bits() writes ("" for none), sized to the graph.
+SpatialGraphSelection parse(const KxSpatialGraph& g, const std::string& vertices, const std::string& edges,
+                            const std::string& allPoints = "") {
+    SpatialGraphSelection s(&g);
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        if (vertices[i] == '1') {
+            s.selectVertex(static_cast<int>(i));
+        }
+    }
+    for (size_t i = 0; i < edges.size(); ++i) {
+        if (edges[i] == '1') {
+            s.selectEdge(static_cast<int>(i));
+        }
+    }
+    for (size_t i = 0; i < allPoints.size(); ++i) {
+        if (allPoints[i] == '1') {
+            s.selectAllPointsOnEdge(static_cast<int>(i));
+        }
+    }
+    return s;
+}
+
+using MakeOperation = std::function<std::unique_ptr<Operation>(KxSpatialGraph&, const SpatialGraphSelection&,
+                                                               const SpatialGraphSelection&)>;
+
+template <class Op>
+MakeOperation plain() {
+    return [](KxSpatialGraph& g, const SpatialGraphSelection& h, const SpatialGraphSelection& v) {
+        return std::make_unique<Op>(&g, h, v);
+    };
+}
+
+struct SelectionCase {
+    const char* name;
+    std::function<std::unique_ptr<KxSpatialGraph>()> graph;
+    // Highlighted and visible selections: vertex bits, edge bits, all-points bits.
+    const char* highlighted[3];
+    const char* visible[3];
+    SpatialGraphPoint highlightedPoint;  // selected when edgeNum >= 0
+    MakeOperation make;
+    const char* highlightAfterExec;
+    const char* visibleAfterExec;
+    const char* highlightAfterUndo;
+};
+
+}  // namespace
+
+TEST(OperationSelectionsTest, ReportedSelectionsAfterExecAndUndo) {
+    const SelectionCase cases[] = {
+        {"add vertex: only the new vertex is highlighted",
+         makeY,
+         {"", ""},
+         {"1", "1", "1"},
+         {},
+         [](KxSpatialGraph& g, const SpatialGraphSelection& h, const SpatialGraphSelection& v) {
+             return std::make_unique<AddVertexOperation>(&g, Vec3f(5, 5, 5), h, v);
+         },
+         "V:00001 E:000 A:000",
+         "V:11111 E:111 A:111",
+         "V:0000 E:000 A:000"},
+        // Two components: 0-1-2, 3-4, 5.
+        {"connect: both grow by the new last edge",
+         makeTwoComponents,
+         {"001100", "010"},
+         {"100000", "010", "001"},
+         {},
+         plain<ConnectOperation>(),
+         "V:001100 E:0101 A:0000",
+         "V:100000 E:0101 A:0011",
+         "V:001100 E:010 A:000"},
+        {"delete: a vertex with an unselected edge stays, the undo highlight loses it",
+         makeY,
+         {"1000", "110"},
+         {"1111", "111", "001"},
+         {},
+         plain<DeleteOperation>(),
+         "V:0000 E:0 A:0",
+         "V:1111 E:1 A:1",
+         "V:0000 E:110 A:000"},
+        {"delete: visible elements compacted over the deleted ones",
+         [] { return makeChain(4); },
+         {"1000", "100"},
+         {"0101", "010", "001"},
+         {},
+         plain<DeleteOperation>(),
+         "V:000 E:00 A:00",
+         "V:101 E:10 A:01",
+         "V:1000 E:100 A:000"},
+        {"delete isolated vertices: the undo highlight is the one given",
+         makeTwoComponents,
+         {"000000", "100"},
+         {"111111", "111"},
+         {},
+         plain<FindAndDeleteIsolatedVertices>(),
+         "V:00000 E:000 A:000",
+         "V:11111 E:111 A:000",
+         "V:000000 E:100 A:000"},
+        // Chain 0-1-2-3-4: vertex 2 joins edges 1 and 2; the joined edge is the last one.
+        {"vertex to point: visible states only added, moved ones carried over",
+         [] { return makeChain(5); },
+         {"00100", "0000"},
+         {"00010", "0001", "1000"},
+         {},
+         plain<VertexToPointOperation>(),
+         "V:0000 E:000 A:000",
+         "V:0011 E:011 A:101",
+         "V:00100 E:0000 A:0000"},
+        // Chain of 6 vertices; edge 1 has 3 points and is split at point 1.
+        {"point to vertex: new vertex and edges, all points at the old index too",
+         [] { return makeChain(6); },
+         {"", ""},
+         {"", "00010"},
+         SpatialGraphPoint(1, 1),
+         plain<PointToVertexOperation>(),
+         "V:0000001 E:000000 A:000000",
+         "V:0000001 E:001111 A:000111",
+         "V:000000 E:00000 A:00000"},
+        {"point to vertex at an end point: nothing highlighted, visible unchanged",
+         [] { return makeChain(3); },
+         {"", ""},
+         {"100", "01"},
+         SpatialGraphPoint(1, 2),
+         plain<PointToVertexOperation>(),
+         "V:000 E:00 A:00",
+         "V:100 E:01 A:00",
+         "V:000 E:00 A:00"},
+        {"smooth: both selections as given",
+         [] { return makeChain(4); },
+         {"0100", "011"},
+         {"1100", "100", "010"},
+         {},
+         plain<SmoothOperation>(),
+         "V:0100 E:011 A:000",
+         "V:1100 E:100 A:010",
+         "V:0100 E:011 A:000"},
+        {"insert edge points: nothing highlighted, visible as given",
+         [] { return makeChain(3); },
+         {"", ""},
+         {"010", "10"},
+         SpatialGraphPoint(1, 1),
+         [](KxSpatialGraph& g, const SpatialGraphSelection& h, const SpatialGraphSelection& v) {
+             return std::make_unique<InsertEdgePointsOperation>(&g, DArray<Vec3f>{Vec3f(1, 1, 0)}, h, v);
+         },
+         "V:000 E:00 A:00",
+         "V:010 E:10 A:00",
+         "V:000 E:00 A:00"},
+        {"move: the defaults",
+         makeY,
+         {"0100", ""},
+         {"1000", "100"},
+         {},
+         [](KxSpatialGraph& g, const SpatialGraphSelection& h, const SpatialGraphSelection& v) {
+             return std::make_unique<MoveOperation>(&g, 1, Vec3f(0, 0, 9), h, v);
+         },
+         "V:0000 E:000 A:000",
+         "V:1111 E:111 A:111",
+         "V:0100 E:000 A:000"},
+    };
+    for (const SelectionCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::unique_ptr<KxSpatialGraph> g = c.graph();
+        SpatialGraphSelection highlighted = parse(*g, c.highlighted[0], c.highlighted[1]);
+        if (c.highlightedPoint.edgeNum >= 0) {
+            highlighted.selectPoint(c.highlightedPoint);
+        }
+        SpatialGraphSelection visible =
+            parse(*g, c.visible[0], c.visible[1], c.visible[2] ? c.visible[2] : "");
+        KxMessageCapture capture;
+        std::unique_ptr<Operation> op = c.make(*g, highlighted, visible);
+        op->exec();
+        EXPECT_EQ(bits(op->getHighlightSelectionAfterOperation()), c.highlightAfterExec);
+        EXPECT_EQ(bits(op->getVisibleSelectionAfterOperation()), c.visibleAfterExec);
+        op->undo();
+        EXPECT_EQ(bits(op->getHighlightSelectionAfterUndo()), c.highlightAfterUndo);
+        EXPECT_EQ(op->getVisibleSelectionAfterUndo(), visible);
+        EXPECT_EQ(capture.numErrors(), 0) << capture.text();
+    }
+}
