@@ -1,0 +1,167 @@
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+
+using namespace GraphFixtures;
+
+namespace {
+
+// "V:0110 E:101": the selected vertices and edges.
+std::string bits(const SpatialGraphSelection& s) {
+    std::string out = "V:";
+    for (int v = 0; v < s.getNumVertices(); ++v) {
+        out += s.isSelectedVertex(v) ? '1' : '0';
+    }
+    out += " E:";
+    for (int e = 0; e < s.getNumEdges(); ++e) {
+        out += s.isSelectedEdge(e) ? '1' : '0';
+    }
+    return out;
+}
+
+SpatialGraphSelection select(const KxSpatialGraph& g, const std::string& vertices, const std::string& edges) {
+    SpatialGraphSelection s(&g);
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        if (vertices[i] == '1') {
+            s.selectVertex(static_cast<int>(i));
+        }
+    }
+    for (size_t i = 0; i < edges.size(); ++i) {
+        if (edges[i] == '1') {
+            s.selectEdge(static_cast<int>(i));
+        }
+    }
+    return s;
+}
+
+// A small branched tree with branch ranks, and an isolated vertex 5.
+//   0 --e0 r1-- 1 --e1 r2-- 2 --e3 r3-- 4        5
+//                \--e2 r2-- 3
+std::unique_ptr<KxSpatialGraph> makeRankedTree(bool withRanks) {
+    auto g = std::make_unique<KxSpatialGraph>();
+    for (int v = 0; v < 6; ++v) {
+        g->addVertex(Vec3f(static_cast<float>(v), 0, 0));
+    }
+    const int ends[4][2] = {{0, 1}, {1, 2}, {1, 3}, {2, 4}};
+    for (const auto& e : ends) {
+        g->addEdge(e[0], e[1]);
+    }
+    if (withRanks) {
+        auto* ranks = static_cast<EdgeVertexAttribute*>(
+            g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));
+        const int values[4] = {1, 2, 2, 3};
+        for (int e = 0; e < 4; ++e) {
+            ranks->setIntDataAtIdx(e, values[e]);
+        }
+    }
+    return g;
+}
+
+struct SearchCase {
+    const char* name;
+    std::function<std::unique_ptr<KxSpatialGraph>()> graph;
+    std::function<SpatialGraphSelection(const KxSpatialGraph&)> search;
+    const char* expected;
+};
+
+}  // namespace
+
+TEST(KxSpatialGraphSearchTest, SearchesSelectTheExpectedElements) {
+    auto ranked = [] { return makeRankedTree(true); };
+    auto twoComponents = [] { return makeTwoComponents(); };
+    const SearchCase cases[] = {
+        // Shortest paths. makeLoop: 0-1 (e0), 1-2 (e1), 2-0 (e2), loop at 2 (e3).
+        {"shortest path to itself", makeLoop, [](const KxSpatialGraph& g) { return g.getShortestPath(1, 1); },
+         "V:010 E:0000"},
+        {"shortest path takes the fewest edges", makeLoop,
+         [](const KxSpatialGraph& g) { return g.getShortestPath(0, 2); }, "V:101 E:0010"},
+        {"shortest path along a chain", [] { return makeChain(4); },
+         [](const KxSpatialGraph& g) { return g.getShortestPath(3, 0); }, "V:1111 E:111"},
+        {"unreachable target", twoComponents, [](const KxSpatialGraph& g) { return g.getShortestPath(0, 4); },
+         "V:000000 E:000"},
+        // Components. makeTwoComponents: 0-1-2 (e0, e1), 3-4 (e2), 5.
+        {"one edge touches its component", twoComponents,
+         [](const KxSpatialGraph& g) { return g.getConnectedComponentFromSelection(select(g, "", "001")); },
+         "V:000110 E:001"},
+        {"one edge contains no component", twoComponents,
+         [](const KxSpatialGraph& g) {
+             return g.getConnectedComponentsContainedInSelection(select(g, "", "001"));
+         },
+         "V:000000 E:000"},
+        {"whole components are contained, partial ones are not", twoComponents,
+         [](const KxSpatialGraph& g) {
+             return g.getConnectedComponentsContainedInSelection(select(g, "111101", "110"));
+         },
+         "V:111001 E:110"},
+        {"vertices touch their components", twoComponents,
+         [](const KxSpatialGraph& g) {
+             return g.getConnectedComponentFromSelection(select(g, "100100", ""));
+         },
+         "V:111110 E:111"},
+        // Subtrees by rank.
+        {"edge subtree climbing", ranked,
+         [](const KxSpatialGraph& g) { return g.getSubTreeByEdge(1, false); }, "V:011010 E:0101"},
+        {"edge subtree descending", ranked,
+         [](const KxSpatialGraph& g) { return g.getSubTreeByEdge(1, true); }, "V:111000 E:1100"},
+        {"vertex subtree from a rank-1 end takes the whole tree", ranked,
+         [](const KxSpatialGraph& g) { return g.getSubTreeByVertex(0, false); }, "V:111110 E:1111"},
+        {"vertex subtree climbing from the lowest rank", ranked,
+         [](const KxSpatialGraph& g) { return g.getSubTreeByVertex(2, false); }, "V:001010 E:0001"},
+        {"vertex subtree descending follows the lowest rank itself", ranked,
+         [](const KxSpatialGraph& g) { return g.getSubTreeByVertex(2, true); }, "V:111000 E:1100"},
+        {"vertex subtree of an isolated vertex", ranked,
+         [](const KxSpatialGraph& g) { return g.getSubTreeByVertex(5, true); }, "V:000001 E:0000"},
+        {"subtree without Ranks", [] { return makeRankedTree(false); },
+         [](const KxSpatialGraph& g) { return g.getSubTreeByEdge(1, false); }, "V:000000 E:0000"},
+        {"vertex subtree without Ranks", [] { return makeRankedTree(false); },
+         [](const KxSpatialGraph& g) { return g.getSubTreeByVertex(5, false); }, "V:000000 E:0000"},
+    };
+    for (const SearchCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::unique_ptr<KxSpatialGraph> g = c.graph();
+        EXPECT_EQ(bits(c.search(*g)), c.expected);
+    }
+}
+
+TEST(KxSpatialGraphSearchTest, ComponentsAreCountedAndListedEdgesFirst) {
+    auto g = makeTwoComponents();
+    struct Case {
+        const char* vertices;
+        const char* edges;
+        int count;
+    };
+    const Case counts[] = {{"", "", 0}, {"", "001", 1}, {"100000", "001", 2}, {"111111", "111", 3}};
+    for (const Case& c : counts) {
+        SCOPED_TRACE(std::string(c.vertices) + " " + c.edges);
+        EXPECT_EQ(g->getNumComponentsInSelection(select(*g, c.vertices, c.edges)), c.count);
+    }
+    DArray<SpatialGraphSelection> all = g->getAllConnectedComponents(select(*g, "100001", "001"));
+    ASSERT_EQ(all.size(), 3);
+    EXPECT_EQ(bits(all[0]), "V:000110 E:001");
+    EXPECT_EQ(bits(all[1]), "V:111000 E:110");
+    EXPECT_EQ(bits(all[2]), "V:000001 E:000");
+    EXPECT_FALSE(g->breadthFirstSearch(0, 5, all[0]));
+}
+
+TEST(KxSpatialGraphSearchTest, SubgraphKeepsTheSelectedElementsWithTheirValues) {
+    auto g = makeTwoComponents();
+    addIdentityMarkers(*g);
+    GraphSnapshot before = takeSnapshot(*g);
+    std::unique_ptr<KxSpatialGraph> sub(g->getSubgraph(select(*g, "000111", "001")));
+    EXPECT_TRUE(sameGraph(before, *g));
+    ASSERT_EQ(sub->getNumVertices(), 3);
+    ASSERT_EQ(sub->getNumEdges(), 1);
+    EXPECT_EQ(sub->getEdgeSource(0), 0);
+    EXPECT_EQ(sub->getEdgeTarget(0), 1);
+    EXPECT_EQ(sub->findVertexAttribute("VertexMarker")->getIntDataAtIdx(2), 1005);
+    EXPECT_EQ(sub->findEdgeAttribute("EdgeMarker")->getIntDataAtIdx(0), 2002);
+    expectConsistent(*sub);
+}
