@@ -9,38 +9,11 @@
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
+#include "support/SelectionBits.h"
 
 using namespace GraphFixtures;
 
 namespace {
-
-// "V:0110 E:101": the selected vertices and edges.
-std::string bits(const SpatialGraphSelection& s) {
-    std::string out = "V:";
-    for (int v = 0; v < s.getNumVertices(); ++v) {
-        out += s.isSelectedVertex(v) ? '1' : '0';
-    }
-    out += " E:";
-    for (int e = 0; e < s.getNumEdges(); ++e) {
-        out += s.isSelectedEdge(e) ? '1' : '0';
-    }
-    return out;
-}
-
-SpatialGraphSelection select(const KxSpatialGraph& g, const std::string& vertices, const std::string& edges) {
-    SpatialGraphSelection s(&g);
-    for (size_t i = 0; i < vertices.size(); ++i) {
-        if (vertices[i] == '1') {
-            s.selectVertex(static_cast<int>(i));
-        }
-    }
-    for (size_t i = 0; i < edges.size(); ++i) {
-        if (edges[i] == '1') {
-            s.selectEdge(static_cast<int>(i));
-        }
-    }
-    return s;
-}
 
 // A small branched tree with branch ranks, and an isolated vertex 5.
 //   0 --e0 r1-- 1 --e1 r2-- 2 --e3 r3-- 4        5
@@ -89,21 +62,23 @@ TEST(KxSpatialGraphSearchTest, SearchesSelectTheExpectedElements) {
          "V:000000 E:000"},
         // Components. makeTwoComponents: 0-1-2 (e0, e1), 3-4 (e2), 5.
         {"one edge touches its component", twoComponents,
-         [](const KxSpatialGraph& g) { return g.getConnectedComponentFromSelection(select(g, "", "001")); },
+         [](const KxSpatialGraph& g) {
+             return g.getConnectedComponentFromSelection(selectionFromBits(g, "", "001"));
+         },
          "V:000110 E:001"},
         {"one edge contains no component", twoComponents,
          [](const KxSpatialGraph& g) {
-             return g.getConnectedComponentsContainedInSelection(select(g, "", "001"));
+             return g.getConnectedComponentsContainedInSelection(selectionFromBits(g, "", "001"));
          },
          "V:000000 E:000"},
         {"whole components are contained, partial ones are not", twoComponents,
          [](const KxSpatialGraph& g) {
-             return g.getConnectedComponentsContainedInSelection(select(g, "111101", "110"));
+             return g.getConnectedComponentsContainedInSelection(selectionFromBits(g, "111101", "110"));
          },
          "V:111001 E:110"},
         {"vertices touch their components", twoComponents,
          [](const KxSpatialGraph& g) {
-             return g.getConnectedComponentFromSelection(select(g, "100100", ""));
+             return g.getConnectedComponentFromSelection(selectionFromBits(g, "100100", ""));
          },
          "V:111110 E:111"},
         // Subtrees by rank.
@@ -127,7 +102,7 @@ TEST(KxSpatialGraphSearchTest, SearchesSelectTheExpectedElements) {
     for (const SearchCase& c : cases) {
         SCOPED_TRACE(c.name);
         std::unique_ptr<KxSpatialGraph> g = c.graph();
-        EXPECT_EQ(bits(c.search(*g)), c.expected);
+        EXPECT_EQ(selectionBits(c.search(*g), false), c.expected);
     }
 }
 
@@ -141,13 +116,13 @@ TEST(KxSpatialGraphSearchTest, ComponentsAreCountedAndListedEdgesFirst) {
     const Case counts[] = {{"", "", 0}, {"", "001", 1}, {"100000", "001", 2}, {"111111", "111", 3}};
     for (const Case& c : counts) {
         SCOPED_TRACE(std::string(c.vertices) + " " + c.edges);
-        EXPECT_EQ(g->getNumComponentsInSelection(select(*g, c.vertices, c.edges)), c.count);
+        EXPECT_EQ(g->getNumComponentsInSelection(selectionFromBits(*g, c.vertices, c.edges)), c.count);
     }
-    DArray<SpatialGraphSelection> all = g->getAllConnectedComponents(select(*g, "100001", "001"));
+    DArray<SpatialGraphSelection> all = g->getAllConnectedComponents(selectionFromBits(*g, "100001", "001"));
     ASSERT_EQ(all.size(), 3);
-    EXPECT_EQ(bits(all[0]), "V:000110 E:001");
-    EXPECT_EQ(bits(all[1]), "V:111000 E:110");
-    EXPECT_EQ(bits(all[2]), "V:000001 E:000");
+    EXPECT_EQ(selectionBits(all[0], false), "V:000110 E:001");
+    EXPECT_EQ(selectionBits(all[1], false), "V:111000 E:110");
+    EXPECT_EQ(selectionBits(all[2], false), "V:000001 E:000");
     EXPECT_FALSE(g->breadthFirstSearch(0, 5, all[0]));
 }
 
@@ -155,7 +130,7 @@ TEST(KxSpatialGraphSearchTest, SubgraphKeepsTheSelectedElementsWithTheirValues) 
     auto g = makeTwoComponents();
     addIdentityMarkers(*g);
     GraphSnapshot before = takeSnapshot(*g);
-    std::unique_ptr<KxSpatialGraph> sub(g->getSubgraph(select(*g, "000111", "001")));
+    std::unique_ptr<KxSpatialGraph> sub(g->getSubgraph(selectionFromBits(*g, "000111", "001")));
     EXPECT_TRUE(sameGraph(before, *g));
     ASSERT_EQ(sub->getNumVertices(), 3);
     ASSERT_EQ(sub->getNumEdges(), 1);

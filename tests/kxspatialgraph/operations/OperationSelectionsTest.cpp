@@ -18,49 +18,11 @@
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
+#include "support/SelectionBits.h"
 
 using namespace GraphFixtures;
 
 namespace {
-
-// "V:0110 E:101 A:100": vertex bits, edge bits and all-points bits.
-std::string bits(const SpatialGraphSelection& s) {
-    std::string out = "V:";
-    for (int v = 0; v < s.getNumVertices(); ++v) {
-        out += s.isSelectedVertex(v) ? '1' : '0';
-    }
-    out += " E:";
-    for (int e = 0; e < s.getNumEdges(); ++e) {
-        out += s.isSelectedEdge(e) ? '1' : '0';
-    }
-    out += " A:";
-    for (int e = 0; e < s.getNumEdges(); ++e) {
-        out += s.allPointsOnEdgeSelected(e) ? '1' : '0';
-    }
-    return out;
-}
-
-// A selection from strings like bits() writes ("" for none), sized to the graph.
-SpatialGraphSelection parse(const KxSpatialGraph& g, const std::string& vertices, const std::string& edges,
-                            const std::string& allPoints = "") {
-    SpatialGraphSelection s(&g);
-    for (size_t i = 0; i < vertices.size(); ++i) {
-        if (vertices[i] == '1') {
-            s.selectVertex(static_cast<int>(i));
-        }
-    }
-    for (size_t i = 0; i < edges.size(); ++i) {
-        if (edges[i] == '1') {
-            s.selectEdge(static_cast<int>(i));
-        }
-    }
-    for (size_t i = 0; i < allPoints.size(); ++i) {
-        if (allPoints[i] == '1') {
-            s.selectAllPointsOnEdge(static_cast<int>(i));
-        }
-    }
-    return s;
-}
 
 using MakeOperation = std::function<std::unique_ptr<Operation>(KxSpatialGraph&, const SpatialGraphSelection&,
                                                                const SpatialGraphSelection&)>;
@@ -201,19 +163,19 @@ TEST(OperationSelectionsTest, ReportedSelectionsAfterExecAndUndo) {
     for (const SelectionCase& c : cases) {
         SCOPED_TRACE(c.name);
         std::unique_ptr<KxSpatialGraph> g = c.graph();
-        SpatialGraphSelection highlighted = parse(*g, c.highlighted[0], c.highlighted[1]);
+        SpatialGraphSelection highlighted = selectionFromBits(*g, c.highlighted[0], c.highlighted[1]);
         if (c.highlightedPoint.edgeNum >= 0) {
             highlighted.selectPoint(c.highlightedPoint);
         }
         SpatialGraphSelection visible =
-            parse(*g, c.visible[0], c.visible[1], c.visible[2] ? c.visible[2] : "");
+            selectionFromBits(*g, c.visible[0], c.visible[1], c.visible[2] ? c.visible[2] : "");
         KxMessageCapture capture;
         std::unique_ptr<Operation> op = c.make(*g, highlighted, visible);
         op->exec();
-        EXPECT_EQ(bits(op->getHighlightSelectionAfterOperation()), c.highlightAfterExec);
-        EXPECT_EQ(bits(op->getVisibleSelectionAfterOperation()), c.visibleAfterExec);
+        EXPECT_EQ(selectionBits(op->getHighlightSelectionAfterOperation()), c.highlightAfterExec);
+        EXPECT_EQ(selectionBits(op->getVisibleSelectionAfterOperation()), c.visibleAfterExec);
         op->undo();
-        EXPECT_EQ(bits(op->getHighlightSelectionAfterUndo()), c.highlightAfterUndo);
+        EXPECT_EQ(selectionBits(op->getHighlightSelectionAfterUndo()), c.highlightAfterUndo);
         EXPECT_EQ(op->getVisibleSelectionAfterUndo(), visible);
         EXPECT_EQ(capture.numErrors(), 0) << capture.text();
     }
