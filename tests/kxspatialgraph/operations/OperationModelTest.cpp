@@ -112,29 +112,13 @@ SpatialGraphSelection randomSelection(const KxSpatialGraph& g, Rng& rng, double 
     return s;
 }
 
-DArray<int> verticesWhere(const KxSpatialGraph& g, const std::function<bool(int)>& wanted) {
-    DArray<int> found;
-    for (int v = 0; v < g.getNumVertices(); ++v) {
-        if (wanted(v)) {
-            found.append(v);
-        }
-    }
-    return found;
-}
-
-// A random edge point of an edge with at least minPoints points, at an index
-// in [first, count - 1 - (fromEnd)], or (-1, -1).
+// A random edge point at an index in [1, count - 1 - fromEnd] of a random
+// edge with at least minPoints points; (-1, -1) when the edge has fewer.
 SpatialGraphPoint randomInteriorPoint(const KxSpatialGraph& g, Rng& rng, int minPoints, int fromEnd) {
-    DArray<int> edges;
-    for (int e = 0; e < g.getNumEdges(); ++e) {
-        if (g.getNumEdgePoints(e) >= minPoints) {
-            edges.append(e);
-        }
-    }
-    if (edges.isEmpty()) {
+    int e = g.getNumEdges() > 0 ? pick(rng, g.getNumEdges()) : -1;
+    if (e < 0 || g.getNumEdgePoints(e) < minPoints) {
         return SpatialGraphPoint();
     }
-    int e = edges[pick(rng, edges.size())];
     return SpatialGraphPoint(e, 1 + pick(rng, g.getNumEdgePoints(e) - 1 - fromEnd));
 }
 
@@ -154,9 +138,6 @@ const std::vector<OperationMaker>& operationMakers() {
          }},
         {"ConnectOperation",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             if (g.getNumVertices() < 2) {
-                 return nullptr;
-             }
              SpatialGraphSelection ends(&g);
              int a = pick(rng, g.getNumVertices());
              int b = pick(rng, g.getNumVertices());
@@ -174,12 +155,11 @@ const std::vector<OperationMaker>& operationMakers() {
         {"MoveOperation",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              // Only isolated vertices: moving others needs their polylines replaced too.
-             DArray<int> isolated = verticesWhere(g, [&](int v) { return g.getIncidentEdges(v).isEmpty(); });
-             if (isolated.isEmpty()) {
+             int v = pick(rng, g.getNumVertices());
+             if (!g.getIncidentEdges(v).isEmpty()) {
                  return nullptr;
              }
-             return std::make_unique<MoveOperation>(&g, isolated[pick(rng, isolated.size())],
-                                                    randomPoint(rng), SpatialGraphSelection(&g),
+             return std::make_unique<MoveOperation>(&g, v, randomPoint(rng), SpatialGraphSelection(&g),
                                                     SpatialGraphSelection(&g));
          }},
         {"ReplaceOperation",
@@ -230,15 +210,13 @@ const std::vector<OperationMaker>& operationMakers() {
          }},
         {"VertexToPointOperation",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             DArray<int> convertible = verticesWhere(g, [&](int v) {
-                 const auto& list = g.getIncidentEdges(v);
-                 return list.size() == 2 && list[0] != list[1];
-             });
-             if (convertible.isEmpty()) {
+             int v = pick(rng, g.getNumVertices());
+             const auto& edges = g.getIncidentEdges(v);
+             if (edges.size() != 2 || edges[0] == edges[1]) {
                  return nullptr;
              }
              SpatialGraphSelection highlighted(&g);
-             highlighted.selectVertex(convertible[pick(rng, convertible.size())]);
+             highlighted.selectVertex(v);
              return std::make_unique<VertexToPointOperation>(&g, highlighted, randomSelection(g, rng, 0.5));
          }},
         {"PointToVertexOperation",
@@ -281,8 +259,9 @@ void runSeed(unsigned seed, int steps) {
         if (stack.empty() && chance(rng, 0.05)) {
             g = randomGraph(rng);
         }
-        const OperationMaker& maker =
-            operationMakers()[pick(rng, static_cast<int>(operationMakers().size()))];
+        // Only adding a vertex works on a graph without vertices.
+        int row = g->getNumVertices() == 0 ? 0 : pick(rng, static_cast<int>(operationMakers().size()));
+        const OperationMaker& maker = operationMakers()[row];
         SCOPED_TRACE(maker.name);
         std::unique_ptr<Operation> op = maker.make(*g, rng);
         if (!op) {

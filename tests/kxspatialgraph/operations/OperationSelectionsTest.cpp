@@ -11,10 +11,7 @@
 #include "kxspatialgraph/operations/ConnectOperation.h"
 #include "kxspatialgraph/operations/DeleteOperation.h"
 #include "kxspatialgraph/operations/FindAndDeleteIsolatedVertices.h"
-#include "kxspatialgraph/operations/InsertEdgePointsOperation.h"
-#include "kxspatialgraph/operations/MoveOperation.h"
 #include "kxspatialgraph/operations/PointToVertexOperation.h"
-#include "kxspatialgraph/operations/SmoothOperation.h"
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
@@ -128,37 +125,6 @@ TEST(OperationSelectionsTest, ReportedSelectionsAfterExecAndUndo) {
          "V:000 E:00 A:00",
          "V:100 E:01 A:00",
          "V:000 E:00 A:00"},
-        {"smooth: both selections as given",
-         [] { return makeChain(4); },
-         {"0100", "011"},
-         {"1100", "100", "010"},
-         {},
-         plain<SmoothOperation>(),
-         "V:0100 E:011 A:000",
-         "V:1100 E:100 A:010",
-         "V:0100 E:011 A:000"},
-        {"insert edge points: nothing highlighted, visible as given",
-         [] { return makeChain(3); },
-         {"", ""},
-         {"010", "10"},
-         SpatialGraphPoint(1, 1),
-         [](KxSpatialGraph& g, const SpatialGraphSelection& h, const SpatialGraphSelection& v) {
-             return std::make_unique<InsertEdgePointsOperation>(&g, DArray<Vec3f>{Vec3f(1, 1, 0)}, h, v);
-         },
-         "V:000 E:00 A:00",
-         "V:010 E:10 A:00",
-         "V:000 E:00 A:00"},
-        {"move: the defaults",
-         makeY,
-         {"0100", ""},
-         {"1000", "100"},
-         {},
-         [](KxSpatialGraph& g, const SpatialGraphSelection& h, const SpatialGraphSelection& v) {
-             return std::make_unique<MoveOperation>(&g, 1, Vec3f(0, 0, 9), h, v);
-         },
-         "V:0000 E:000 A:000",
-         "V:1111 E:111 A:111",
-         "V:0100 E:000 A:000"},
     };
     for (const SelectionCase& c : cases) {
         SCOPED_TRACE(c.name);
