@@ -6,6 +6,7 @@
 #include <climits>
 #include <vector>
 
+#include "korva/core/KxMessageConsole.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/operations/DeleteOperation.h"
@@ -20,6 +21,14 @@ struct Frame {
     int next;
     int threshold;
 };
+
+// Edge e's value as an int, whatever the attribute's type.
+int edgeValue(const EdgeVertexAttribute* attribute, int e) {
+    if (attribute->getPrimType() == PrimType::INT32) {
+        return attribute->getIntDataAtIdx(e);
+    }
+    return static_cast<int>(attribute->getValue(e).getDouble(0));
+}
 
 int otherEnd(const SpatialGraphEdge& edge, int v) {
     return edge.getSource() == v ? edge.getTarget() : edge.getSource();
@@ -74,8 +83,12 @@ void KxSpatialGraph::depthFirstSearch(int vertex, int threshold, const EdgeVerte
     if (!isVertex(vertex)) {
         return;
     }
+    if (attribute && attribute->size() < getNumEdges()) {
+        theMsg->printf("Error: depthFirstSearch: attribute %s has no value for every edge.",
+                       attribute->getName());
+        return;
+    }
     // Without an attribute every edge is followed.
-    bool intValues = attribute && attribute->getPrimType() == PrimType::INT32;
     std::vector<Frame> stack;
     selection.selectVertex(vertex);
     stack.push_back({vertex, 0, threshold});
@@ -92,8 +105,7 @@ void KxSpatialGraph::depthFirstSearch(int vertex, int threshold, const EdgeVerte
         }
         int value = frame.threshold;
         if (attribute) {
-            value = intValues ? attribute->getIntDataAtIdx(e)
-                              : static_cast<int>(attribute->getValue(e).getDouble(0));
+            value = edgeValue(attribute, e);
             if (decreasing ? value >= frame.threshold : value <= frame.threshold) {
                 continue;
             }
@@ -164,7 +176,7 @@ SpatialGraphSelection KxSpatialGraph::getSubTreeByEdge(int edge, bool decreasing
     if (!ranks || edge < 0 || edge >= getNumEdges()) {
         return selection;
     }
-    int rank = ranks->getIntDataAtIdx(edge);
+    int rank = edgeValue(ranks, edge);
     depthFirstSearch(getEdgeSource(edge), rank, ranks, selection, decreasing);
     depthFirstSearch(getEdgeTarget(edge), rank, ranks, selection, decreasing);
     selection.selectEdge(edge);
@@ -180,7 +192,7 @@ SpatialGraphSelection KxSpatialGraph::getSubTreeByVertex(int vertex, bool decrea
     const IncidenceList& list = incidence_[vertex];
     int lowest = INT_MAX;
     for (int e : list) {
-        lowest = std::min(lowest, ranks->getIntDataAtIdx(e));
+        lowest = std::min(lowest, edgeValue(ranks, e));
     }
     int start = vertex;
     if (lowest == 1 && list.size() == 1) {
