@@ -288,12 +288,12 @@ void runSeed(unsigned seed, int steps) {
 }  // namespace
 
 TEST(OperationModelTest, UndoAndRedoRestoreTheGraphExactly) {
-    int seeds = 16;
+    int seeds = 10;
     if (const char* env = std::getenv("KORVA_MODEL_SEEDS")) {
         seeds = std::max(1, std::atoi(env));
     }
     for (int s = 0; s < seeds; ++s) {
-        runSeed(1000u + static_cast<unsigned>(s), 500);
+        runSeed(1000u + static_cast<unsigned>(s), 400);
         if (HasFatalFailure()) {
             return;
         }
