@@ -61,6 +61,15 @@ HocParser::HocParser(const char* text, size_t length, bool debug)
 
 HocParser::~HocParser() = default;
 
+// What addLabel does for a name new to the group whose labels so far have
+// the ids 1 .. id - 1, without addLabel's searches through the whole tree,
+// which would make deep trees (one label per rank) quadratic.
+void HocParser::addLabelBundle(const char* group, const char* name, int id, const Color& color) {
+    KxParamBundle* label = graph_->parameters().getBundle(group)->addBundle(name);
+    label->setInt("Id", id);
+    label->setColor(color);
+}
+
 int HocParser::nextTag() {
     if (pending_ != -2) {
         lastTag_ = pending_;
@@ -160,13 +169,16 @@ bool HocParser::create() {
             graph_->addNewLabelGroup("topology", true, false, false);
             graph_->getLabelGroup("topology")->setLabelColor(0, kRootColor);
         }
-        int label = graph_->addLabel("topology", 0, name.c_str(), nextHOCLabelColor());
-        int* known = arrayByName_.lookup(name);
-        if (known) {
-            // Creating a name again keeps the sections it has and adds the missing ones.
+        const Color color = nextHOCLabelColor();
+        if (const int* known = arrayByName_.lookup(name)) {
+            // Creating a name again keeps the sections it has, adds the
+            // missing ones and recolours the name's label.
             SectionArray& a = arrays_[static_cast<size_t>(*known)];
             a.count = std::max(a.count, count);
+            graph_->getLabelGroup("topology")->setLabelColor(a.label, color);
         } else {
+            const int label = static_cast<int>(arrays_.size()) + 1;
+            addLabelBundle("topology", name.c_str(), label, color);
             arrayByName_.insert(name, static_cast<int>(arrays_.size()));
             arrays_.push_back(SectionArray{count, label});
         }
@@ -300,6 +312,12 @@ KxSpatialGraph* HocParser::takeGraph() {
     KxSpatialGraph& g = *graph_;
     PointAttribute* thickness = g.findEdgePointAttribute("thickness");
     EdgeVertexAttribute* topology = g.findEdgeAttribute("topology");
+    size_t numPoints = 0;
+    for (int s : order) {
+        numPoints += sections_[static_cast<size_t>(s)].points.size() / 4;
+    }
+    g.setSizeHint(static_cast<int>(order.size()) + 1, static_cast<int>(order.size()),
+                  static_cast<int>(numPoints));
     HashTable<std::string, int> vertexAt;
     DArray<Vec3f> points;
     DArray<int> roots;
@@ -343,7 +361,7 @@ KxSpatialGraph* HocParser::takeGraph() {
         maxRank = std::max(maxRank, ranks->getIntDataAtIdx(e));
     }
     for (int r = 1; r <= maxRank; ++r) {
-        g.addLabel("Ranks", 0, String::format("Rank%d", r), nextHOCLabelColor());
+        addLabelBundle("Ranks", String::format("Rank%d", r), r, nextHOCLabelColor());
     }
     g.getLabelGroup("Ranks")->setLabelColor(0, kRootColor);
     g.isConsistent();

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "korva/base/Color.h"
 #include "korva/base/HashTable.h"
 #include "kxspatialgraph/formats/HocScanner.h"
 
@@ -61,6 +62,7 @@ private:
     int expect(int tag);
     bool fail(int tag);
     bool create();
+    void addLabelBundle(const char* group, const char* name, int id, const Color& color);
     // The section an identifier token names; -1 when it was never created.
     int lookupSection(const std::string& reference);
     bool selectByName();

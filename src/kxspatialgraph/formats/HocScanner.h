@@ -2,12 +2,13 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 // Tokens of the HOC subset that describes neuron morphologies, from a flex
 // scanner (hocscanner.l) reading a caller's buffer. Blanks, "//" comments and
 // "/* */" comments are skipped; a section reference such as "dend[3]" or
 // "dend[ 3.]" is one identifier token; characters outside the subset are
-// collected in echo() and skipped. The buffer is copied, so it need not stay.
+// collected in echo() and skipped. The text is copied, so it need not stay.
 class HocScanner {
 public:
     // Tags handed to the parser.
@@ -55,6 +56,7 @@ public:
 
 private:
     State state_;
+    std::vector<char> buffer_;
     void* scanner_ = nullptr;
     bool ended_ = false;
 };
