@@ -14,7 +14,8 @@ class KxSpatialGraphInterface;
 
 // Neuron morphologies in NEURON's HOC language: the subset of "create",
 // section blocks, "pt3dclear()", "pt3dadd(x, y, z, d)" and "connect" (see
-// HocParser). One edge per section; "thickness" holds the diameter d.
+// HocParser, docs/hoc.md). One edge per section; "thickness" holds the
+// diameter d.
 
 // A new graph read from the file, or null after "Error reading file.\n" (the
 // file cannot be read) or the parser's line/tag error. The caller owns it.

@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -57,34 +58,40 @@ private:
 // "section_e". Writes the create statements. Deliberate: a label without
 // edges gets no create statement, since NEURON refuses arrays of size 0.
 std::vector<std::string> nameSections(const KxSpatialGraphInterface* graph, std::string& out) {
+    struct Label {
+        String name;  // empty: the id names no label
+        int count = 0;
+    };
     const int numEdges = graph->doGetNumEdges();
     std::vector<std::string> names(static_cast<size_t>(numEdges));
     EdgeVertexAttribute* topology = singleValued(graph->doFindEdgeAttribute("topology"), PrimType::INT32);
-    const int maxLabel = topology && graph->doHasLabel(topology) ? graph->doGetMaxLabelId(topology) : 0;
-    std::vector<String> labels(static_cast<size_t>(maxLabel + 1));
-    std::vector<int> counts(labels.size(), 0);
-    std::vector<int> unlabelled;
-    for (int id = 1; id <= maxLabel; ++id) {
-        if (!graph->doGetLabelName(topology, id, labels[static_cast<size_t>(id)])) {
-            labels[static_cast<size_t>(id)] = String();
-        }
+    if (topology && !graph->doHasLabel(topology)) {
+        topology = nullptr;
     }
+    // Only the labels the edges use, each looked up once.
+    std::map<int, Label> labels;
+    std::vector<int> unlabelled;
     for (int e = 0; e < numEdges; ++e) {
-        const int label = topology ? topology->getIntDataAtIdx(e) : 0;
-        std::string& name = names[static_cast<size_t>(e)];
-        if (label >= 1 && label <= maxLabel && !labels[static_cast<size_t>(label)].isEmpty()) {
-            int& count = counts[static_cast<size_t>(label)];
-            name = String::format("%s[%d.]", labels[static_cast<size_t>(label)].getString(), count++).std();
+        const int id = topology ? topology->getIntDataAtIdx(e) : 0;
+        auto found = labels.find(id);
+        if (found == labels.end()) {
+            found = labels.emplace(id, Label()).first;
+            if (id >= 1 && !graph->doGetLabelName(topology, id, found->second.name)) {
+                found->second.name = String();
+            }
+        }
+        Label& label = found->second;
+        if (id >= 1 && !label.name.isEmpty()) {
+            names[static_cast<size_t>(e)] =
+                String::format("%s[%d.]", label.name.getString(), label.count++).std();
         } else {
-            name = "section_" + std::to_string(e);
+            names[static_cast<size_t>(e)] = "section_" + std::to_string(e);
             unlabelled.push_back(e);
         }
     }
-    for (int id = 1; id <= maxLabel; ++id) {
-        if (counts[static_cast<size_t>(id)] > 0) {
-            out += String::format("create %s[%20d.]\n", labels[static_cast<size_t>(id)].getString(),
-                                  counts[static_cast<size_t>(id)])
-                       .std();
+    for (const auto& [id, label] : labels) {
+        if (label.count > 0) {
+            out += String::format("create %s[%20d.]\n", label.name.getString(), label.count).std();
         }
     }
     for (int e : unlabelled) {
@@ -143,13 +150,14 @@ void connectSections(const KxSpatialGraphInterface* graph, int edge, int parentE
             continue;
         }
         const int vertex = f.end == 0 ? graph->doGetEdgeSource(f.edge) : graph->doGetEdgeTarget(f.edge);
-        const SmallArray<int, 2>& incident = graph->doGetIncidentEdges(vertex);
-        if (f.next >= incident.size()) {
+        // An end left at -1 by a vertex removal leads nowhere.
+        const bool attached = vertex >= 0 && vertex < graph->doGetNumVertices();
+        if (!attached || f.next >= graph->doGetIncidentEdges(vertex).size()) {
             ++f.end;
             f.next = 0;
             continue;
         }
-        const int other = incident[f.next++];
+        const int other = graph->doGetIncidentEdges(vertex)[f.next++];
         if (parentOf[other] < 0) {
             parentOf[other] = f.edge;
             treeOf[other] = tree;
