@@ -149,6 +149,9 @@ bool HocParser::parse() {
         }
     }
     theWorkArea->stopWorking();
+    if (debug_ && !scanner_.echo().empty()) {
+        theMsg->printf("Skipped characters: %s", scanner_.echo().c_str());
+    }
     return ok;
 }
 
@@ -321,6 +324,8 @@ KxSpatialGraph* HocParser::takeGraph() {
     HashTable<std::string, int> vertexAt;
     DArray<Vec3f> points;
     DArray<int> roots;
+    // Deliberate: a section of one point becomes a loop edge of one point,
+    // which the consistency check reports; the graph is kept all the same.
     theWorkArea->startWorking("Building the graph", static_cast<int>(order.size()));
     for (int s : order) {
         const Section& section = sections_[static_cast<size_t>(s)];

@@ -161,6 +161,21 @@ TEST(SpatialGraphHOCTest, LabelGroupsNameSectionsAndRanksWithGeneratedColours) {
     }
 }
 
+TEST(SpatialGraphHOCTest, DebugOutputFollowsTheStatements) {
+    setHOCReaderDebug(true);
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g = read(
+        "create a, b\na { pt3dclear() pt3dadd(1, 2, 3, 0.5) } @ =\n"
+        "connect b(0), a(1)");
+    setHOCReaderDebug(false);
+    EXPECT_EQ(capture.lines(),
+              (std::vector<std::string>{"Hoc File Parser started read file: test.hoc", "PT3DCLEAR",
+                                        "PT3DADD (1.000000,2.000000,3.000000,0.500000)",
+                                        "No useful tag detected: 4", "CONNECT: b(0.000000) with a(1.000000).",
+                                        "Skipped characters: @", "Close file",
+                                        "Error: Edge 0 has 1 points. Should be at least 2."}));
+}
+
 std::string write(const KxSpatialGraph& g, const TempDir& dir, const char* name) {
     std::string path = dir.path(name);
     EXPECT_EQ(writeHOC(g.getSpatialGraphInterface(), path.c_str()), 1);
