@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxParamBundle.h"
