@@ -1,7 +1,6 @@
 // korva convert IN OUT: loads IN (format by content or extension) and saves
 // its data object in the format that OUT's extension names.
 
-#include <cstdio>
 #include <vector>
 
 #include "KorvaSession.h"
@@ -15,8 +14,7 @@ namespace {
 
 int runConvert(KorvaSession&, int argc, char** argv) {
     if (argc != 2) {
-        std::fprintf(stderr, "usage: korva convert IN OUT\n");
-        return 2;
+        return KorvaSubcommand::find("convert")->usage();
     }
     std::vector<KxObject*> created;
     if (!theFileFormats->load(argv[0], created, *theObjectPool)) {
@@ -29,12 +27,12 @@ int runConvert(KorvaSession&, int argc, char** argv) {
         }
     }
     if (!data) {
-        theMsg->printf("Error: %s holds no data object to convert", argv[0]);
+        theMsg->printf("Error: %s holds no data object to convert.", argv[0]);
         return 1;
     }
     const KxFileFormat* format = theFileFormats->findWriter(argv[1], data);
     if (!format) {
-        theMsg->printf("Error: no format writes %s to files named like %s", data->getTypeName(), argv[1]);
+        theMsg->printf("Error: No format writes %s to files named like %s.", data->getTypeName(), argv[1]);
         return 1;
     }
     return theFileFormats->save(*format, data, argv[1]) ? 0 : 1;

@@ -1,38 +1,16 @@
-// korva info FILE ...: loads each file and prints the info tags of what it holds.
-
-#include <cstdio>
-#include <vector>
+// korva info FILE ...: loads each file and prints the info report of what it
+// holds; exits 1 when a file cannot be read or its reader reported an error.
 
 #include "KorvaSession.h"
 #include "KorvaSubcommand.h"
-#include "korva/core/KxFileFormatRegistry.h"
-#include "korva/core/KxInfoTags.h"
-#include "korva/core/KxObject.h"
-#include "korva/core/KxObjectPool.h"
 
 namespace {
 
-int runInfo(KorvaSession&, int argc, char** argv) {
+int runInfo(KorvaSession& session, int argc, char** argv) {
     if (argc < 1) {
-        std::fprintf(stderr, "usage: korva info FILE ...\n");
-        return 2;
+        return KorvaSubcommand::find("info")->usage();
     }
-    int status = 0;
-    for (int i = 0; i < argc; ++i) {
-        std::vector<KxObject*> created;
-        if (!theFileFormats->load(argv[i], created, *theObjectPool)) {
-            status = 1;
-            continue;
-        }
-        for (KxObject* object : created) {
-            KxInfoTags tags;
-            tags.add("File:", "%s", argv[i]);
-            tags.add("Label:", "%s", object->getLabel());
-            object->info(tags);
-            std::fputs(tags.toText().c_str(), stdout);
-        }
-    }
-    return status;
+    return session.loadAndDescribe(argc, argv);
 }
 
 KorvaSubcommand::Registrar registrar{"info", "FILE ...", "load files and print what they hold", runInfo};

@@ -7,11 +7,16 @@
 #include <cstring>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include <tcl.h>
 
+#include "korva/core/KxApplication.h"
 #include "korva/core/KxConsoleCommands.h"
+#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxPackageLoader.h"
 #include "korva/core/KxTclInterpreter.h"
@@ -49,6 +54,9 @@ void flushTclOutput() {
 }  // namespace
 
 KorvaSession::KorvaSession(const char* argv0) {
+    // Deliberate: the command line speaks of vertices and edges, as the graph's
+    // console commands do, so its reports do not use the "Korva" skin's nodes and segments.
+    KxApplication::setSkinName("Korva command line");
     Tcl_FindExecutable(argv0);
     tcl_.reset(new KxTclInterpreter(*theObjectPool));
     installConsoleCommands(*tcl_);
@@ -57,7 +65,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     tcl_->eval("fconfigure stdout -buffering line");
     tcl_->setQuitHandler(&KorvaSession::finish);
     tapId_ = theMsg->addTap([this](const std::string& line) {
-        if (line.compare(0, 7, "Error: ") == 0) {
+        if (line.compare(0, 7, "Error: ") == 0 || line.compare(0, 7, "USAGE: ") == 0) {
             lastError_ = line;
         }
     });
@@ -80,8 +88,10 @@ void KorvaSession::finish(int code) {
 
 void KorvaSession::printErrorMessage() {
     std::string message = tcl_->result();
+    // A command that failed through KxCommandReply printed its line already.
     if (message != lastError_) {
-        theMsg->print(message.compare(0, 7, "Error: ") == 0 ? message : "Error: " + message);
+        bool worded = message.compare(0, 7, "Error: ") == 0 || message.compare(0, 7, "USAGE: ") == 0;
+        theMsg->print(worded ? message : "Error: " + message);
     }
     lastError_.clear();
 }
@@ -100,6 +110,31 @@ void KorvaSession::reportError() {
     if (!trace.empty()) {
         std::fprintf(stderr, "%s\n", trace.c_str());
     }
+}
+
+int KorvaSession::loadAndDescribe(int count, char** paths) {
+    int status = 0;
+    for (int i = 0; i < count; ++i) {
+        int errors = 0;
+        int tap = theMsg->addTap([&errors](const std::string& line) {
+            errors += line.compare(0, 7, "Error: ") == 0;
+        });
+        std::vector<KxObject*> created;
+        bool loaded = theFileFormats->load(paths[i], created, tcl_->pool());
+        theMsg->removeTap(tap);
+        if (!loaded || errors > 0) {
+            status = 1;
+        }
+        for (KxObject* object : created) {
+            KxInfoTags tags;
+            tags.add("File:", "%s", paths[i]);
+            tags.add("Label:", "%s", object->getLabel());
+            object->info(tags);
+            std::fputs(tags.toText().c_str(), stdout);
+        }
+    }
+    std::fflush(stdout);
+    return status;
 }
 
 int KorvaSession::runScript(const char* path, int argc, char** argv) {

@@ -25,8 +25,13 @@ public:
     // which ends the run with 1.
     int runConsole();
 
+    // Loads each file and prints the info report of every object it holds.
+    // 0, or 1 when a file cannot be loaded or its reader printed an "Error: "
+    // line (a damaged file that still loads).
+    int loadAndDescribe(int count, char** paths);
+
     // Prints a failed evaluation: the message (unless a command printed it
-    // already as its "Error: " line) and Tcl's trace of where it happened.
+    // already as its "Error: " or "USAGE: " line) and Tcl's trace of where it happened.
     void reportError();
 
 private:

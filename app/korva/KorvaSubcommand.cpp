@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "korva/core/KxMessageConsole.h"
+
 namespace {
 // A function-local table: registrars in other files run during static
 // initialisation, in an order nobody controls.
@@ -14,6 +16,11 @@ std::vector<KorvaSubcommand>& table() {
 
 KorvaSubcommand::Registrar::Registrar(const char* name, const char* arguments, const char* summary, Run run) {
     table().push_back(KorvaSubcommand{name, arguments, summary, run});
+}
+
+int KorvaSubcommand::usage() const {
+    theMsg->printf("USAGE: korva %s %s", name, arguments);
+    return 2;
 }
 
 const KorvaSubcommand* KorvaSubcommand::find(const char* name) {

@@ -12,7 +12,8 @@ class KorvaSession;
 //     static KorvaSubcommand::Registrar reg{"render", "FILE OUT.png", "render a data file", runRender};
 //
 // run receives the arguments after the subcommand's name, with the packages
-// loaded and the console commands installed, and answers the exit status.
+// loaded and the console commands installed, and answers the exit status
+// (a wrong call: return find("render")->usage()).
 struct KorvaSubcommand {
     using Run = int (*)(KorvaSession& session, int argc, char** argv);
 
@@ -24,6 +25,10 @@ struct KorvaSubcommand {
     struct Registrar {
         Registrar(const char* name, const char* arguments, const char* summary, Run run);
     };
+
+    // Prints "USAGE: korva NAME ARGUMENTS" as a wrong call's report and
+    // answers 2, the exit status of a wrong call.
+    int usage() const;
 
     // Null if there is no subcommand of that name.
     static const KorvaSubcommand* find(const char* name);

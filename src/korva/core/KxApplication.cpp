@@ -1,8 +1,14 @@
 #include "korva/core/KxApplication.h"
 
-#include <cstdlib>
+std::string& KxApplication::skinName() {
+    static std::string name = "Korva";
+    return name;
+}
 
 const char* KxApplication::getSkinName() {
-    const char* skin = std::getenv("KORVA_SKIN");
-    return skin && *skin ? skin : "Korva";
+    return skinName().c_str();
+}
+
+void KxApplication::setSkinName(const char* name) {
+    skinName() = name && *name ? name : "Korva";
 }

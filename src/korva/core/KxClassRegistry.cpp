@@ -6,8 +6,18 @@
 #include "korva/core/KxSpatialData.h"
 
 KxClassRegistry::KxClassRegistry() {
+    // The commands that KxObject::parse, KxData::parse and KxSpatialData::parse answer.
+    registerClass("KxObject", "korva", nullptr);
+    for (const char* usage : {"getLabel", "getTypeName", "info", "help"}) {
+        registerCommand("KxObject", usage, usage);
+    }
     registerClass("KxData", "korva", []() -> KxObject* { return new KxData; });
+    registerCommand("KxData", "parameters", "parameters");
+    registerCommand("KxData", "setParameters", "setParameters text");
+    registerCommand("KxData", "isModified", "isModified");
     registerClass("KxSpatialData", "korva", []() -> KxObject* { return new KxSpatialData; });
+    registerCommand("KxSpatialData", "getTransform", "getTransform");
+    registerCommand("KxSpatialData", "setTransform", "setTransform m00 m01 ... m33");
 }
 
 KxClassRegistry& KxClassRegistry::instance() {
@@ -30,6 +40,11 @@ bool KxClassRegistry::unregisterClass(const char* name) {
 const char* KxClassRegistry::getPackage(const char* name) const {
     const Entry* e = classes_.lookup(name);
     return e ? e->package.c_str() : nullptr;
+}
+
+bool KxClassRegistry::isCreatable(const char* name) const {
+    const Entry* e = classes_.lookup(name);
+    return e && e->factory;
 }
 
 KxObject* KxClassRegistry::createInstance(const char* name) const {
@@ -65,6 +80,17 @@ std::vector<std::string> KxClassRegistry::commandUsages(const char* className) c
     if (const Entry* e = classes_.lookup(className)) {
         for (const auto& command : e->commands) {
             usages.push_back(command.second);
+        }
+    }
+    return usages;
+}
+
+std::vector<std::string> KxClassRegistry::commandUsages(const KxObject& object) const {
+    std::vector<std::string> usages;
+    for (const std::string& name : classNames()) {
+        if (object.isOfType(name.c_str())) {
+            std::vector<std::string> own = commandUsages(name.c_str());
+            usages.insert(usages.end(), own.begin(), own.end());
         }
     }
     return usages;

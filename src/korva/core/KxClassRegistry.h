@@ -22,7 +22,8 @@ class KxClassRegistry {
 public:
     using Factory = std::function<KxObject*()>;
 
-    // Knows the host's own creatable classes (KxData, KxSpatialData).
+    // Knows the host's own classes: KxObject (not creatable), KxData and
+    // KxSpatialData, with the console commands their objects answer.
     KxClassRegistry();
 
     static KxClassRegistry& instance();
@@ -33,6 +34,8 @@ public:
     // Forgets a class (when a test or a package unloads it).
     bool unregisterClass(const char* name);
     bool isRegistered(const char* name) const { return classes_.contains(name); }
+    // Whether `create` can make an object of the class (it has a factory).
+    bool isCreatable(const char* name) const;
     // The package that registered the class, or null.
     const char* getPackage(const char* name) const;
 
@@ -48,6 +51,9 @@ public:
     bool registerCommand(const char* className, const char* word, const char* usage);
     // Usage lines of the class's registered commands, in registration order.
     std::vector<std::string> commandUsages(const char* className) const;
+    // Usage lines of every command the object answers: those of each
+    // registered class it is of, base classes (registered first) first.
+    std::vector<std::string> commandUsages(const KxObject& object) const;
 
 private:
     struct Entry {

@@ -7,6 +7,7 @@
 #include <tcl.h>
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxCommandReply.h"
 #include "korva/core/KxData.h"
 #include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageConsole.h"
@@ -34,25 +35,13 @@ private:
     std::string first_;
 };
 
-int usage(Tcl_Interp* interp, const char* text) {
-    Tcl_SetObjResult(interp, Tcl_ObjPrintf("USAGE: %s\n", text));
-    return TCL_ERROR;
-}
-
-// Prints an "Error: " line and makes it the command's failure.
-int fail(Tcl_Interp* interp, const std::string& line) {
-    theMsg->print(line);
-    Tcl_SetObjResult(interp, Tcl_NewStringObj(line.c_str(), -1));
-    return TCL_ERROR;
-}
-
 // Fails with the first error line the tap saw, or the fallback.
 int failWith(Tcl_Interp* interp, const ErrorTap& tap, const std::string& fallback) {
     if (!tap.first().empty()) {
         Tcl_SetObjResult(interp, Tcl_NewStringObj(tap.first().c_str(), -1));
         return TCL_ERROR;
     }
-    return fail(interp, fallback);
+    return KxCommandReply::fail(interp, fallback);
 }
 
 KxTclInterpreter& session(ClientData cd) {
@@ -61,7 +50,7 @@ KxTclInterpreter& session(ClientData cd) {
 
 int loadCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
     if (objc < 2) {
-        return usage(interp, "load FILE ?FILE ...?");
+        return KxCommandReply::usage(interp, "load FILE ?FILE ...?");
     }
     Tcl_Obj* labels = Tcl_NewListObj(0, nullptr);
     Tcl_IncrRefCount(labels);
@@ -84,17 +73,17 @@ int loadCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
 
 int saveCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
     if (objc != 4) {
-        return usage(interp, "save FORMAT OBJECT FILE");
+        return KxCommandReply::usage(interp, "save FORMAT OBJECT FILE");
     }
     const char* formatName = Tcl_GetString(objv[1]);
     const char* label = Tcl_GetString(objv[2]);
     const KxFileFormat* format = theFileFormats->find(formatName);
     if (!format) {
-        return fail(interp, std::string("Error: unknown file format \"") + formatName + "\"");
+        return KxCommandReply::fail(interp, std::string("Error: unknown file format \"") + formatName + "\"");
     }
     KxData* data = session(cd).pool().findData(label);
     if (!data) {
-        return fail(interp, std::string("Error: no data object \"") + label + "\"");
+        return KxCommandReply::fail(interp, std::string("Error: no data object \"") + label + "\"");
     }
     ErrorTap tap;
     if (!theFileFormats->save(*format, data, Tcl_GetString(objv[3]))) {
@@ -105,7 +94,7 @@ int saveCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
 
 int removeCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
     if (objc < 2) {
-        return usage(interp, "remove OBJECT ?OBJECT ...? | remove -all");
+        return KxCommandReply::usage(interp, "remove OBJECT ?OBJECT ...? | remove -all");
     }
     KxObjectPool& pool = session(cd).pool();
     if (objc == 2 && std::strcmp(Tcl_GetString(objv[1]), "-all") == 0) {
@@ -115,7 +104,7 @@ int removeCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]
     for (int i = 1; i < objc; ++i) {
         const char* label = Tcl_GetString(objv[i]);
         if (!pool.remove(label)) {
-            return fail(interp, std::string("Error: no object \"") + label + "\"");
+            return KxCommandReply::fail(interp, std::string("Error: no object \"") + label + "\"");
         }
     }
     return TCL_OK;
@@ -123,7 +112,7 @@ int removeCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]
 
 int allCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
     if (objc > 2) {
-        return usage(interp, "all ?CLASS?");
+        return KxCommandReply::usage(interp, "all ?CLASS?");
     }
     const char* typeName = objc == 2 ? Tcl_GetString(objv[1]) : nullptr;
     KxObjectPool& pool = session(cd).pool();
@@ -140,7 +129,7 @@ int allCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
 
 int createCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
     if (objc < 2 || objc > 3) {
-        return usage(interp, "create CLASS ?LABEL?");
+        return KxCommandReply::usage(interp, "create CLASS ?LABEL?");
     }
     ErrorTap tap;
     const char* className = Tcl_GetString(objv[1]);
@@ -163,9 +152,12 @@ std::string helpText() {
         "  create CLASS ?LABEL?     create an object of a registered class\n"
         "  help                     this text\n"
         "  quit ?CODE?              end the session\n"
-        "  {label} command ?args?   a command of an object (try {label} info)\n";
-    text += "Classes:\n";
+        "  {label} command ?args?   a command of an object ({label} help lists them all)\n";
+    text += "Classes (create CLASS) and their own commands:\n";
     for (const std::string& name : theClassRegistry->classNames()) {
+        if (!theClassRegistry->isCreatable(name.c_str())) {
+            continue;
+        }
         text += "  " + name + "\n";
         for (const std::string& usage : theClassRegistry->commandUsages(name.c_str())) {
             text += "      {label} " + usage + "\n";
@@ -191,7 +183,7 @@ int helpCmd(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const[]) {
 int quitCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
     int code = 0;
     if (objc > 2 || (objc == 2 && Tcl_GetIntFromObj(interp, objv[1], &code) != TCL_OK)) {
-        return usage(interp, "quit ?CODE?");
+        return KxCommandReply::usage(interp, "quit ?CODE?");
     }
     session(cd).quit(code);
     return TCL_OK;

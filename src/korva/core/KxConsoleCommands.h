@@ -8,7 +8,7 @@ class KxTclInterpreter;
 //   remove OBJECT ?...?      removes objects from the pool ("remove -all": every object)
 //   all ?CLASS?              labels of the pool's objects (of the class, if given)
 //   create CLASS ?LABEL?     creates an object of a registered class; answers its label
-//   help                     lists commands, classes and formats
+//   help                     lists commands, the classes create can make, and formats
 //   quit ?CODE?              ends the session
 // Failures print an "Error: " line on the message console and fail the
 // command with that line as the Tcl result.

@@ -4,6 +4,8 @@
 
 #include <tcl.h>
 
+#include "korva/core/KxCommandReply.h"
+
 KxData::KxData() : parameters_("Parameters") {}
 
 KxData::~KxData() = default;
@@ -34,13 +36,11 @@ int KxData::parse(Tcl_Interp* interp, int argc, char** argv) {
     }
     if (std::strcmp(cmd, "setParameters") == 0) {
         if (argc != 3) {
-            Tcl_SetObjResult(interp, Tcl_NewStringObj("USAGE: setParameters text\n", -1));
-            return TCL_ERROR;
+            return KxCommandReply::usage(interp, "setParameters text");
         }
         std::string error;
         if (!parameters_.fromText(argv[2], std::strlen(argv[2]), error)) {
-            Tcl_SetObjResult(interp, Tcl_ObjPrintf("Error: bad parameters: %s", error.c_str()));
-            return TCL_ERROR;
+            return KxCommandReply::failf(interp, "Error: Bad parameters (%s).", error.c_str());
         }
         touch(NEW_PARAMETERS);
         fire();

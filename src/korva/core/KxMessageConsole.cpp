@@ -45,7 +45,8 @@ void KxMessageConsole::emitLine(const std::string& line) {
         sink_(line);
         return;
     }
-    bool problem = line.compare(0, 7, "Error: ") == 0 || line.compare(0, 9, "Warning: ") == 0;
+    bool problem = line.compare(0, 7, "Error: ") == 0 || line.compare(0, 9, "Warning: ") == 0 ||
+                   line.compare(0, 7, "USAGE: ") == 0;
     FILE* out = problem ? stderr : stdout;
     std::fputs(line.c_str(), out);
     std::fputc('\n', out);

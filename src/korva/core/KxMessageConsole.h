@@ -9,7 +9,8 @@
 
 // The host's message console. Every line the system reports to the user goes
 // through printf: "Error: " and "Warning: " lines as well as plain reports.
-// By default plain lines go to stdout and error and warning lines to stderr;
+// By default plain lines go to stdout and error, warning and usage ("USAGE: ")
+// lines to stderr;
 // a sink installed with setSink receives every line instead (tests capture
 // lines this way). One call prints one line; a trailing newline is dropped and
 // inner newlines split the text into several lines.

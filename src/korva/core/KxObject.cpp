@@ -1,9 +1,12 @@
 #include "korva/core/KxObject.h"
 
 #include <cstring>
+#include <string>
 
 #include <tcl.h>
 
+#include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxCommandReply.h"
 #include "korva/core/KxInfoTags.h"
 
 KxObject::~KxObject() = default;
@@ -18,8 +21,7 @@ void KxObject::info(KxInfoTags& tags) const {
 
 int KxObject::parse(Tcl_Interp* interp, int argc, char** argv) {
     if (argc < 2) {
-        Tcl_SetObjResult(interp, Tcl_ObjPrintf("USAGE: %s command ?args?", getLabel()));
-        return TCL_ERROR;
+        return KxCommandReply::usage(interp, (std::string("{") + getLabel() + "} command ?args?").c_str());
     }
     const char* cmd = argv[1];
     if (std::strcmp(cmd, "getLabel") == 0) {
@@ -36,10 +38,18 @@ int KxObject::parse(Tcl_Interp* interp, int argc, char** argv) {
         Tcl_SetObjResult(interp, Tcl_NewStringObj(tags.toText().c_str(), -1));
         return TCL_OK;
     }
+    if (std::strcmp(cmd, "help") == 0) {
+        std::string text;
+        for (const std::string& usage : theClassRegistry->commandUsages(*this)) {
+            text += usage + "\n";
+        }
+        Tcl_SetObjResult(interp, Tcl_NewStringObj(text.c_str(), -1));
+        return TCL_OK;
+    }
     return unknownCommand(interp, cmd);
 }
 
 int KxObject::unknownCommand(Tcl_Interp* interp, const char* cmd) const {
-    Tcl_SetObjResult(interp, Tcl_ObjPrintf("Error: %s has no command \"%s\"", getLabel(), cmd));
-    return TCL_ERROR;
+    return KxCommandReply::failf(interp, "Error: Object %s has no command \"%s\"; \"{%s} help\" lists its commands.",
+                                 getLabel(), cmd, getLabel());
 }

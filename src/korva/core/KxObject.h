@@ -27,14 +27,15 @@ public:
 
     // A console command addressed to this object: `{label} command args`.
     // Answers TCL_OK or TCL_ERROR with the reply in the interpreter's result.
-    // The base understands "getLabel", "getTypeName" and "info".
+    // The base understands "getLabel", "getTypeName", "info" and "help", which
+    // lists the commands the class registry knows for the object's classes.
     virtual int parse(Tcl_Interp* interp, int argc, char** argv);
     // Adds the object's report lines ("Data Class:", counts, ...).
     virtual void info(KxInfoTags& tags) const;
 
 protected:
-    // Sets the interpreter result to "Error: {label} has no command "cmd"" and
-    // answers TCL_ERROR: what parse does with a command nobody understood.
+    // Prints and fails with "Error: Object {label} has no command "cmd"; ...":
+    // what parse does with a command nobody understood.
     int unknownCommand(Tcl_Interp* interp, const char* cmd) const;
 
 private:

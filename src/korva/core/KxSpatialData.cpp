@@ -4,6 +4,8 @@
 
 #include <tcl.h>
 
+#include "korva/core/KxCommandReply.h"
+
 KxSpatialData::KxSpatialData() : transform_(SbMatrix::identity()) {}
 
 bool KxSpatialData::isOfType(const char* typeName) const {
@@ -23,15 +25,13 @@ int KxSpatialData::parse(Tcl_Interp* interp, int argc, char** argv) {
     }
     if (argc >= 2 && std::strcmp(argv[1], "setTransform") == 0) {
         if (argc != 18) {
-            Tcl_SetObjResult(interp,
-                             Tcl_NewStringObj("USAGE: setTransform m00 m01 ... m33 (16 numbers)", -1));
-            return TCL_ERROR;
+            return KxCommandReply::usage(interp, "setTransform m00 m01 ... m33");
         }
         SbMatrix m;
         for (int k = 0; k < 16; ++k) {
             double v;
             if (Tcl_GetDouble(interp, argv[2 + k], &v) != TCL_OK) {
-                return TCL_ERROR;
+                return KxCommandReply::failWithTclMessage(interp);
             }
             m[k / 4][k % 4] = static_cast<float>(v);
         }

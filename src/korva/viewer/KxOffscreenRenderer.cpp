@@ -1,6 +1,7 @@
 #include "korva/viewer/KxOffscreenRenderer.h"
 
 #include <cstring>
+#include <string>
 
 #include <QImage>
 
@@ -15,6 +16,7 @@
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 
+#include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/gl/KxEglOffscreen.h"
 #include "korva/inventor/KxInventor.h"
@@ -98,13 +100,29 @@ void KxOffscreenRenderer::getPixel(int x, int y, unsigned char rgb[3]) const {
     std::memcpy(rgb, &pixels_[(static_cast<size_t>(y) * width_ + x) * 3], 3);
 }
 
-bool KxOffscreenRenderer::writePng(const char* path) const {
+const char* KxOffscreenRenderer::imageFormatOf(const char* path) {
+    std::string extension = KxFileFormatRegistry::extensionOf(path);
+    if (extension == "png") {
+        return "PNG";
+    }
+    if (extension == "jpg" || extension == "jpeg") {
+        return "JPEG";
+    }
+    return nullptr;
+}
+
+bool KxOffscreenRenderer::writeImage(const char* path) const {
+    const char* format = imageFormatOf(path);
+    if (!format) {
+        theMsg->printf("Error: Cannot write %s: pictures are written as %s.", path, kImageFormats);
+        return false;
+    }
     if (pixels_.empty()) {
         theMsg->printf("Error: No picture rendered to write to %s.", path);
         return false;
     }
     QImage image(pixels_.data(), width_, height_, width_ * 3, QImage::Format_RGB888);
-    if (!image.save(QString::fromLocal8Bit(path), "PNG")) {
+    if (!image.save(QString::fromLocal8Bit(path), format)) {
         theMsg->printf("Error: Cannot write %s.", path);
         return false;
     }

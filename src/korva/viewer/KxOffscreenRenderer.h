@@ -9,7 +9,7 @@ class SoNode;
 class SoOffscreenRenderer;
 
 // Renders a scene into memory without any window or X server (EGL on Mesa,
-// see KxEglOffscreen) and writes the picture as PNG. Each renderer owns its
+// see KxEglOffscreen) and writes the picture as PNG or JPEG. Each renderer owns its
 // own GL context, so two renderers are two rendering contexts to the shapes.
 class KxOffscreenRenderer {
 public:
@@ -30,8 +30,12 @@ public:
     // Red, green and blue (0..255) of pixel (x, y) of the last picture, y
     // counted from the top. Black outside the picture or before a render.
     void getPixel(int x, int y, unsigned char rgb[3]) const;
-    // Writes the last picture as PNG; false, with an "Error: " line, on failure.
-    bool writePng(const char* path) const;
+    // Writes the last picture in the format path's extension names (see
+    // kImageFormats); false, with an "Error: " line, on failure or another extension.
+    bool writeImage(const char* path) const;
+    static constexpr const char* kImageFormats = "PNG (.png) or JPEG (.jpg, .jpeg)";
+    // "PNG" or "JPEG" by path's extension, or null.
+    static const char* imageFormatOf(const char* path);
     // The cache-context id under which shapes saw this renderer's context in the last render.
     uint32_t getCacheContextId() const;
 

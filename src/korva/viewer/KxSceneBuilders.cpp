@@ -15,10 +15,10 @@ bool KxSceneBuilders::hasBuilder(const KxObject* object) const {
     return object && builders_.contains(object->getTypeName());
 }
 
-SoNode* KxSceneBuilders::build(KxObject* object) const {
+SoNode* KxSceneBuilders::build(KxObject* object, const KxSceneOptions& options) const {
     if (!object) {
         return nullptr;
     }
     const Builder* builder = builders_.lookup(object->getTypeName());
-    return builder ? (*builder)(object) : nullptr;
+    return builder ? (*builder)(object, options) : nullptr;
 }

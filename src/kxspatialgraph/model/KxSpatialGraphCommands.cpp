@@ -1,6 +1,7 @@
 // Console commands of KxSpatialGraph: `{graph} command args`. Besides merge
 // and applyTransform the graph answers a few small building commands, so that
-// scripts can make graphs (docs/spatialgraph-commands.md). Every command
+// scripts can make graphs, and the query commands of
+// SpatialGraphQueryCommands.cpp (docs/spatialgraph-commands.md). Every command
 // checks its arguments: the editing primitives behind them do not.
 
 #include "kxspatialgraph/model/KxSpatialGraph.h"
@@ -12,90 +13,29 @@
 #include <tcl.h>
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxCommandReply.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/model/SpatialGraphCommand.h"
 
 namespace {
 
-// A console command of the graph; args are the words after the command word,
-// text is the usage line ("merge otherDataSet").
-using Command = int (*)(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text);
-
-int usage(Tcl_Interp* interp, const char* text) {
-    theMsg->printf("USAGE: %s\n", text);
-    Tcl_SetObjResult(interp, Tcl_ObjPrintf("USAGE: %s", text));
-    return TCL_ERROR;
-}
-
-int fail(Tcl_Interp* interp, const String& message) {
-    theMsg->printf("%s", message.getString());
-    Tcl_SetObjResult(interp, Tcl_NewStringObj(message.getString(), -1));
-    return TCL_ERROR;
-}
-
-// A number that Tcl could not read leaves Tcl's message in the result; it
-// goes to the console as well.
-int badNumber(Tcl_Interp* interp) {
-    return fail(interp, String::format("Error: %s", Tcl_GetStringResult(interp)));
-}
-
-int changed(KxSpatialGraph& graph, Tcl_Interp* interp, int result) {
-    graph.touch(KxData::NEW_DATA);
-    graph.fire();
-    Tcl_SetObjResult(interp, Tcl_NewIntObj(result));
-    return TCL_OK;
-}
-
-bool parseLocation(const char* word, KxSpatialGraph::Location& loc) {
-    static const char* const names[] = {"VERTEX", "EDGE", "POINT"};
-    for (int i = 0; i < 3; ++i) {
-        if (std::strcmp(word, names[i]) == 0) {
-            loc = static_cast<KxSpatialGraph::Location>(i);
-            return true;
-        }
-    }
-    return false;
-}
-
-bool parseFloats(Tcl_Interp* interp, int n, char** words, float* values) {
-    for (int i = 0; i < n; ++i) {
-        double v = 0.0;
-        if (Tcl_GetDouble(interp, words[i], &v) != TCL_OK) {
-            return false;
-        }
-        values[i] = static_cast<float>(v);
-    }
-    return true;
-}
-
-bool parseIndex(Tcl_Interp* interp, const char* word, int count, const char* what, int& index) {
-    if (Tcl_GetInt(interp, word, &index) != TCL_OK) {
-        badNumber(interp);
-        return false;
-    }
-    if (index < 0 || index >= count) {
-        fail(interp, String::format("Error: %s %d out of range (%d).", what, index, count));
-        return false;
-    }
-    return true;
-}
+using namespace SpatialGraphCommandArgs;
 
 int mergeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     if (nargs != 1) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     KxData* data = theObjectPool->findData(args[0]);
     if (!data || !data->isOfType("KxSpatialGraph")) {
-        theMsg->printf("Data sets must be of same type");
-        Tcl_SetObjResult(interp, Tcl_NewStringObj("Data sets must be of same type", -1));
-        return TCL_ERROR;
+        return KxCommandReply::fail(interp, "Data sets must be of same type");
     }
+    // merge() printed why it refused.
     if (!graph.merge(static_cast<KxSpatialGraph*>(data))) {
-        Tcl_SetObjResult(interp, Tcl_ObjPrintf("Error: cannot merge %s into %s", args[0], graph.getLabel()));
-        return TCL_ERROR;
+        return KxCommandReply::failf(interp, "Error: Cannot merge %s into %s.", args[0], graph.getLabel());
     }
     graph.touch(KxData::ALL_PARTS);
     graph.fire();
@@ -116,10 +56,10 @@ int applyTransformCommand(KxSpatialGraph& graph, Tcl_Interp*, int nargs, char**,
 int addVertexCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     Vec3f c;
     if (nargs != 3) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     if (!parseFloats(interp, 3, args, c.data())) {
-        return badNumber(interp);
+        return TCL_ERROR;
     }
     return changed(graph, interp, graph.addVertex(c));
 }
@@ -128,7 +68,7 @@ int addVertexCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char*
 // the two end vertices.
 int addEdgeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     if (nargs < 2 || (nargs - 2) % 3 != 0) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     int s = 0, t = 0;
     if (!parseIndex(interp, args[0], graph.getNumVertices(), "Vertex", s) ||
@@ -141,7 +81,7 @@ int addEdgeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** 
     points.back() = graph.getVertexCoords(t);
     for (int i = 0; i < numInner; ++i) {
         if (!parseFloats(interp, 3, args + 2 + 3 * i, points[static_cast<size_t>(i) + 1].data())) {
-            return badNumber(interp);
+            return TCL_ERROR;
         }
     }
     return changed(graph, interp, graph.addEdge(s, t, points.data(), static_cast<int>(points.size())));
@@ -152,15 +92,14 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
     KxSpatialGraph::Location loc;
     int nDataVar = 1;
     if (nargs < 3 || nargs > 4 || !parseLocation(args[1], loc)) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     bool isInt = std::strcmp(args[2], "int") == 0;
     if (!isInt && std::strcmp(args[2], "float") != 0) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1)) {
-        return fail(interp,
-                    String::format("Error: nDataVar must be a positive number, not \"%s\".", args[3]));
+        return KxCommandReply::failf(interp, "Error: nDataVar must be a positive number, not \"%s\".", args[3]);
     }
     graph.addAttribute(args[0], loc, isInt ? PrimType::INT32 : PrimType::FLOAT32, nDataVar);
     graph.touch(KxData::NEW_DATA);
@@ -171,44 +110,34 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
 // setValue VERTEX|EDGE name index value...  or  setValue POINT name edge point value...
 int setValueCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     KxSpatialGraph::Location loc;
-    if (nargs < 4 || !parseLocation(args[0], loc)) {
-        return usage(interp, text);
+    if (nargs < 2 || !parseLocation(args[0], loc) || nargs < 3 + elementWords(loc)) {
+        return KxCommandReply::usage(interp, text);
     }
     GraphAttribute* a = graph.findAttribute(loc, args[1]);
     if (!a) {
-        return fail(interp, String::format("Error: %s attribute %s not found.", args[0], args[1]));
+        return KxCommandReply::failf(interp, "Error: %s attribute %s not found.", args[0], args[1]);
     }
     int e = 0, p = 0;
-    int count = loc == KxSpatialGraph::VERTEX ? graph.getNumVertices() : graph.getNumEdges();
-    if (!parseIndex(interp, args[2], count, loc == KxSpatialGraph::VERTEX ? "Vertex" : "Edge", e)) {
+    int firstValue = 2 + parseElement(graph, interp, loc, args + 2, e, p);
+    if (firstValue == 2) {
         return TCL_ERROR;
     }
-    int firstValue = 3;
-    if (loc == KxSpatialGraph::POINT) {
-        if (!parseIndex(interp, args[3], graph.getNumEdgePoints(e), "Point", p)) {
-            return TCL_ERROR;
-        }
-        firstValue = 4;
-    }
     if (nargs - firstValue != a->getNumDataVar()) {
-        return fail(interp, String::format("Error: attribute %s takes %d values per element.", a->getName(),
-                                           a->getNumDataVar()));
+        return KxCommandReply::failf(interp, "Error: Attribute %s takes %d values per element.", a->getName(),
+                                     a->getNumDataVar());
+    }
+    if (a->getPrimType() != PrimType::INT32 && a->getPrimType() != PrimType::FLOAT32) {
+        return KxCommandReply::failf(interp, "Error: Attribute %s is neither int nor float.", a->getName());
     }
     // All components are read before the value is touched.
     std::vector<unsigned char> value(static_cast<size_t>(a->getElementSize()));
     for (int i = 0; i < a->getNumDataVar(); ++i) {
         char* word = args[firstValue + i];
-        bool ok = false;
-        if (a->getPrimType() == PrimType::INT32) {
-            ok = Tcl_GetInt(interp, word, reinterpret_cast<int*>(value.data()) + i) == TCL_OK;
-        } else if (a->getPrimType() == PrimType::FLOAT32) {
-            ok = parseFloats(interp, 1, &word, reinterpret_cast<float*>(value.data()) + i);
-        } else {
-            return fail(interp,
-                        String::format("Error: attribute %s is neither int nor float.", a->getName()));
-        }
+        bool ok = a->getPrimType() == PrimType::INT32
+                      ? parseInt(interp, word, reinterpret_cast<int*>(value.data())[i])
+                      : parseFloats(interp, 1, &word, reinterpret_cast<float*>(value.data()) + i);
         if (!ok) {
-            return badNumber(interp);
+            return TCL_ERROR;
         }
     }
     unsigned char* bytes = loc == KxSpatialGraph::POINT
@@ -223,12 +152,12 @@ int addLabelGroupCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, c
                          const char* text) {
     bool at[3] = {false, false, false};
     if (nargs < 2) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     for (int i = 1; i < nargs; ++i) {
         KxSpatialGraph::Location loc;
         if (!parseLocation(args[i], loc)) {
-            return usage(interp, text);
+            return KxCommandReply::usage(interp, text);
         }
         at[loc] = true;
     }
@@ -244,18 +173,17 @@ int addLabelCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
     int parentId = 0;
     float rgb[3];
     if (nargs != 6) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     if (!graph.getLabelGroup(args[0])) {
-        return fail(interp, String::format("Error: label group %s not found.", args[0]));
+        return KxCommandReply::failf(interp, "Error: Label group %s not found.", args[0]);
     }
-    if (Tcl_GetInt(interp, args[1], &parentId) != TCL_OK || !parseFloats(interp, 3, args + 3, rgb)) {
-        return badNumber(interp);
+    if (!parseInt(interp, args[1], parentId) || !parseFloats(interp, 3, args + 3, rgb)) {
+        return TCL_ERROR;
     }
     int id = graph.addLabel(args[0], parentId, args[2], SbColor(rgb));
     if (id < 0) {
-        return fail(interp,
-                    String::format("Error: label group %s has no label with id %d.", args[0], parentId));
+        return KxCommandReply::failf(interp, "Error: Label group %s has no label with id %d.", args[0], parentId);
     }
     graph.touch(KxData::NEW_PARAMETERS);
     graph.fire();
@@ -268,7 +196,7 @@ int getBoundingBoxCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, 
                           const char* text) {
     bool transformed = nargs == 1 && std::strcmp(args[0], "transformed") == 0;
     if (nargs > 1 || (nargs == 1 && !transformed)) {
-        return usage(interp, text);
+        return KxCommandReply::usage(interp, text);
     }
     float box[6];
     graph.computeBoundingBox(box, transformed);
@@ -286,54 +214,49 @@ int isConsistentCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int, char**, 
     return TCL_OK;
 }
 
-struct NamedCommand {
-    const char* name;
-    const char* usage;
-    Command run;
-};
-
-const NamedCommand kCommands[] = {
-    {"merge", "merge otherDataSet", mergeCommand},
-    {"applyTransform", "applyTransform", applyTransformCommand},
-    {"addVertex", "addVertex x y z", addVertexCommand},
-    {"addEdge", "addEdge source target ?x y z ...?", addEdgeCommand},
-    {"addAttribute", "addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?", addAttributeCommand},
-    {"setValue", "setValue VERTEX|EDGE name index value... | setValue POINT name edge point value...",
-     setValueCommand},
-    {"addLabelGroup", "addLabelGroup name VERTEX|EDGE|POINT...", addLabelGroupCommand},
-    {"addLabel", "addLabel group parentId name r g b", addLabelCommand},
-    {"getBoundingBox", "getBoundingBox ?transformed?", getBoundingBoxCommand},
-    {"isConsistent", "isConsistent", isConsistentCommand},
-};
-
-// help: one usage line per command of the graph.
-int helpCommand(Tcl_Interp* interp) {
-    std::string text;
-    for (const NamedCommand& c : kCommands) {
-        text += c.usage;
-        text += '\n';
-    }
-    Tcl_SetObjResult(interp, Tcl_NewStringObj(text.c_str(), -1));
-    return TCL_OK;
-}
-
 }  // namespace
 
+const SpatialGraphCommandTable& spatialGraphBuildingCommands() {
+    static const SpatialGraphCommandTable table = {
+        {"merge", "merge otherDataSet", mergeCommand},
+        {"applyTransform", "applyTransform", applyTransformCommand},
+        {"addVertex", "addVertex x y z", addVertexCommand},
+        {"addEdge", "addEdge source target ?x y z ...?", addEdgeCommand},
+        {"addAttribute", "addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?", addAttributeCommand},
+        {"setValue", "setValue VERTEX|EDGE name index value... | setValue POINT name edge point value...",
+         setValueCommand},
+        {"addLabelGroup", "addLabelGroup name VERTEX|EDGE|POINT...", addLabelGroupCommand},
+        {"addLabel", "addLabel group parentId name r g b", addLabelCommand},
+        {"getBoundingBox", "getBoundingBox ?transformed?", getBoundingBoxCommand},
+        {"isConsistent", "isConsistent", isConsistentCommand},
+    };
+    return table;
+}
+
+const std::vector<const SpatialGraphCommandTable*>& spatialGraphCommandTables() {
+    static const std::vector<const SpatialGraphCommandTable*> tables = {
+        &spatialGraphBuildingCommands(),
+        &spatialGraphQueryCommands(),
+    };
+    return tables;
+}
+
 void KxSpatialGraph::registerConsoleCommands() {
-    for (const NamedCommand& c : kCommands) {
-        theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);
+    for (const SpatialGraphCommandTable* table : spatialGraphCommandTables()) {
+        for (const SpatialGraphCommand& c : *table) {
+            theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);
+        }
     }
 }
 
 int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
     if (argc >= 2) {
-        for (const NamedCommand& c : kCommands) {
-            if (std::strcmp(argv[1], c.name) == 0) {
-                return c.run(*this, interp, argc - 2, argv + 2, c.usage);
+        for (const SpatialGraphCommandTable* table : spatialGraphCommandTables()) {
+            for (const SpatialGraphCommand& c : *table) {
+                if (std::strcmp(argv[1], c.name) == 0) {
+                    return c.run(*this, interp, argc - 2, argv + 2, c.usage);
+                }
             }
-        }
-        if (std::strcmp(argv[1], "help") == 0) {
-            return helpCommand(interp);
         }
     }
     return KxSpatialData::parse(interp, argc, argv);

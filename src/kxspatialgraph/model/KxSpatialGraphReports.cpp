@@ -8,6 +8,7 @@
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageConsole.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 
@@ -147,6 +148,20 @@ void KxSpatialGraph::info(KxInfoTags& tags) const {
     tags.add(korva ? "Nodes:" : "Vertices:", "%d", getNumVertices());
     tags.add(korva ? "Segments:" : "Edges:", "%d", getNumEdges());
     tags.add("Points:", "%d", getTotalNumEdgePoints());
+    static const char* const locations[] = {"VERTEX", "EDGE", "POINT"};
+    for (int loc = VERTEX; loc <= POINT; ++loc) {
+        for (int i = 0; i < numAttributes(static_cast<Location>(loc)); ++i) {
+            const GraphAttribute* a = attribute(static_cast<Location>(loc), i);
+            const HierarchicalLabels* group = getLabelGroup(a);
+            tags.add("Attribute:", "%s (%s, %s, %d)%s%s", a->getName(), locations[loc],
+                     a->getPrimType() == PrimType::INT32 ? "int" : "float", a->getNumDataVar(),
+                     group ? ", label group " : "", group ? group->getLabelGroupName() : "");
+        }
+    }
+    labelGroups_.forEach([&tags](const char* name, const HierarchicalLabels* group) {
+        // The group's root is no label of its own.
+        tags.add("Label group:", "%s (%d labels)", name, group->getNumLabels() - 1);
+    });
 }
 
 String KxSpatialGraph::printEdges() const {

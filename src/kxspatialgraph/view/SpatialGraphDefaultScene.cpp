@@ -5,9 +5,13 @@
 #include <Inventor/nodes/SoSeparator.h>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/data/KxColormap.h"
 #include "korva/gl/KxGLCapabilities.h"
+#include "korva/modules/KxPortColormap.h"
 #include "korva/viewer/KxSceneBuilders.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "kxspatialgraph/view/SpatialGraphViewNode.h"
@@ -33,12 +37,82 @@ float largestExtent(const KxSpatialGraph& graph) {
     return std::max({hi[0] - lo[0], hi[1] - lo[1], hi[2] - lo[2], 0.0f});
 }
 
+// The range of the first component of attr's values; (0, 1) without values.
+void valueRange(const GraphAttribute* attr, float& lo, float& hi) {
+    lo = 1e30f;
+    hi = -1e30f;
+    bool isInt = attr->getPrimType() == PrimType::INT32;
+    size_t stride = static_cast<size_t>(attr->getElementSize());
+    const auto* bytes = static_cast<const unsigned char*>(attr->dataPtr());
+    for (int i = 0; i < attr->size(); ++i) {
+        const unsigned char* value = bytes + static_cast<size_t>(i) * stride;
+        float v = isInt ? static_cast<float>(*reinterpret_cast<const int*>(value))
+                        : *reinterpret_cast<const float*>(value);
+        lo = std::min(lo, v);
+        hi = std::max(hi, v);
+    }
+    if (lo > hi) {
+        lo = 0.0f;
+        hi = 1.0f;
+    }
+}
+
 }  // namespace
 
-SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
+const GraphAttribute* SpatialGraphDefaultScene::findColorAttribute(const KxSpatialGraph& graph,
+                                                                   const char* name) {
+    if (const GraphAttribute* a = graph.findEdgePointAttribute(name)) {
+        return a;
+    }
+    if (const GraphAttribute* a = graph.findEdgeAttribute(name)) {
+        return a;
+    }
+    const HierarchicalLabels* group = graph.getLabelGroup(name);
+    for (KxSpatialGraph::Location loc : {KxSpatialGraph::POINT, KxSpatialGraph::EDGE}) {
+        for (int i = 0; group && i < graph.numAttributes(loc); ++i) {
+            if (graph.getLabelGroup(graph.attribute(loc, i)) == group) {
+                return graph.attribute(loc, i);
+            }
+        }
+    }
+    return nullptr;
+}
+
+KxColormap SpatialGraphDefaultScene::colormapFor(const KxSpatialGraph& graph, const GraphAttribute* attr) {
+    if (attr->getPrimType() == PrimType::INT32 && graph.hasLabel(attr)) {
+        // One entry per id lands every id on its own texel of the tube set's
+        // 256-entry table.
+        int n = std::max(256, graph.getMaxLabelId(attr) + 1);
+        KxColormap colormap;
+        colormap.resize(n);
+        colormap.setMinMax(0.0f, static_cast<float>(n - 1));
+        for (int id = 0; id < n; ++id) {
+            SbColor colour(0.3f, 0.3f, 0.3f);
+            graph.getLabelColor(attr, id, colour);
+            colormap.setEntry(id, colour);
+        }
+        return colormap;
+    }
+    static const float ramp[] = {0.0f, 0.0f, 1.0f, 1.0f, 0.0f, 1.0f, 1.0f, 1.0f, 0.0f, 1.0f, 0.0f, 1.0f,
+                                 1.0f, 1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f, 1.0f};
+    float lo = 0.0f, hi = 1.0f;
+    valueRange(attr, lo, hi);
+    return KxColormap(5, ramp, lo, hi);
+}
+
+SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph, const char* colorBy) {
     if (!graph) {
         return nullptr;
     }
+    const GraphAttribute* colorAttr = colorBy && *colorBy ? findColorAttribute(*graph, colorBy) : nullptr;
+    if (colorBy && *colorBy && !colorAttr) {
+        theMsg->printf("Error: Graph %s has no point or edge attribute or label group named \"%s\".",
+                       graph->getLabel(), colorBy);
+        return nullptr;
+    }
+    KxColormap colormap = colorAttr ? colormapFor(*graph, colorAttr) : KxColormap();
+    KxPortColormap port;
+    port.setColormap(&colormap);
     SpatialGraphSelection visible(graph->getNumVertices(), graph->getNumEdges());
     visible.selectAllVerticesAndEdges();
     const PointAttribute* thickness = graph->findEdgePointAttribute("thickness");
@@ -59,13 +133,17 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
             node.setTubeScaleAttribute(thickness);
             node.setTubeScaleFactor(scale);
             node.setTubeConstantColor(SbColor(0.8f, 0.8f, 0.8f));
-            node.setTubeColorAttribute(nullptr);
+            node.setTubeColorAttribute(colorAttr);
+            if (colorAttr) {
+                node.setTubeColormap(&colormap);
+            }
         } else {
             theMsg->printf(
                 "SpatialGraphView: Crucial OpenGL features are missing! Falling back to legacy tube "
                 "rendering ...");
             // The legacy profile has radius 0.5: twice the scale gives the same tubes.
-            node.makeTubes(&visible, nullptr, thickness, 2.0f * scale, false);
+            node.setEdgeColormapPort(&port);
+            node.makeTubes(&visible, colorAttr, thickness, 2.0f * scale, false);
         }
     }
     root->unrefNoDelete();
@@ -73,7 +151,7 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
 }
 
 void SpatialGraphDefaultScene::registerBuilder() {
-    theSceneBuilders->registerBuilder("KxSpatialGraph", [](KxObject* object) -> SoNode* {
-        return build(dynamic_cast<KxSpatialGraph*>(object));
+    theSceneBuilders->registerBuilder("KxSpatialGraph", [](KxObject* object, const KxSceneOptions& options) -> SoNode* {
+        return build(dynamic_cast<KxSpatialGraph*>(object), options.colorBy.c_str());
     });
 }

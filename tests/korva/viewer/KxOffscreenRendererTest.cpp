@@ -49,7 +49,7 @@ TEST(KxOffscreenRendererTest, RendersWithoutDisplayTopRowFirstInMemoryAndInPng) 
     EXPECT_TRUE(pixelNear(renderer, 2, 2, SbColor(0, 0, 1), 2, why)) << why;
 
     std::string path = testOutputPath("offscreen_flip.png");
-    ASSERT_TRUE(renderer.writePng(path.c_str()));
+    ASSERT_TRUE(renderer.writeImage(path.c_str()));
     QImage image(QString::fromStdString(path));
     ASSERT_EQ(image.width(), 100);
     ASSERT_EQ(image.height(), 100);
@@ -76,12 +76,12 @@ TEST(KxOffscreenRendererTest, FailuresAreReported) {
     KxMessageCapture capture;
     KxInventor::init();
     KxOffscreenRenderer renderer(10, 10);
-    EXPECT_FALSE(renderer.writePng(testOutputPath("never.png").c_str()));
+    EXPECT_FALSE(renderer.writeImage(testOutputPath("never.png").c_str()));
     EXPECT_FALSE(renderer.render(nullptr));
     auto* root = new SoSeparator;
     root->ref();
     ASSERT_TRUE(renderer.render(root));
     root->unref();
-    EXPECT_FALSE(renderer.writePng("/nonexistent-folder/picture.png"));
+    EXPECT_FALSE(renderer.writeImage("/nonexistent-folder/picture.png"));
     EXPECT_EQ(capture.numErrors(), 3) << capture.text();
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "korva/core/KxApplication.h"
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxParamBundle.h"
@@ -157,17 +158,16 @@ TEST(KxSpatialGraphTest, ReportsWordAndOrderTheirLines) {
     EXPECT_EQ(capture.lines(), (std::vector<std::string>{"IncidentEdges", "Vertex 0", "0", "Vertex 1", "0",
                                                          "1", "Vertex 2", "1"}));
 
-    unsetenv("KORVA_SKIN");
     KxInfoTags korva;
     g->info(korva);
     EXPECT_STREQ(korva.find("Data Class:"), "KxSpatialGraph");
     EXPECT_STREQ(korva.find("Nodes:"), "3");
     EXPECT_STREQ(korva.find("Segments:"), "2");
     EXPECT_STREQ(korva.find("Points:"), "5");
-    setenv("KORVA_SKIN", "Other", 1);
+    KxApplication::setSkinName("Other");
     KxInfoTags other;
     g->info(other);
-    unsetenv("KORVA_SKIN");
+    KxApplication::setSkinName("Korva");
     EXPECT_STREQ(other.find("Vertices:"), "3");
     EXPECT_STREQ(other.find("Edges:"), "2");
     EXPECT_EQ(other.find("Nodes:"), nullptr);

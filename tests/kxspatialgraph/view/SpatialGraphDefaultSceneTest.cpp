@@ -75,7 +75,7 @@ TEST(SpatialGraphDefaultSceneTest, LegacyTubesCoverTheSamePlaceAsGpuTubes) {
     std::vector<bool> gpu = coverage(renderer);
     const std::vector<bool> expected = {false, true, true, true, false, false, true, true, true, false};
     EXPECT_EQ(gpu, expected);
-    renderer.writePng(testOutputPath("default_scene_gpu.png").c_str());
+    renderer.writeImage(testOutputPath("default_scene_gpu.png").c_str());
 
     setenv("KORVA_LEGACY_TUBES", "1", 1);
     KxMessageCapture capture;
@@ -84,7 +84,7 @@ TEST(SpatialGraphDefaultSceneTest, LegacyTubesCoverTheSamePlaceAsGpuTubes) {
     EXPECT_TRUE(capture.contains(kFallback)) << capture.text();
     EXPECT_TRUE(pixelHue(renderer, pixelColumn(0), pixelRow(1), SbColor(1, 1, 1), why)) << why;
     EXPECT_EQ(coverage(renderer), gpu);
-    renderer.writePng(testOutputPath("default_scene_legacy.png").c_str());
+    renderer.writeImage(testOutputPath("default_scene_legacy.png").c_str());
 }
 
 TEST(SpatialGraphDefaultSceneTest, PackageRegistersTheSceneOfItsGraphs) {

@@ -1,0 +1,66 @@
+#include "support/KorvaRunner.h"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include "support/TempDir.h"
+
+namespace {
+
+std::string quote(const std::string& s) {
+    std::string q = "'";
+    for (char c : s) {
+        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return q + "'";
+}
+
+std::string readAll(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+}  // namespace
+
+KorvaRun runKorva(const std::vector<std::string>& args, const KorvaRunOptions& options) {
+    TempDir capture;
+    std::string in = capture.path("stdin"), out = capture.path("stdout"), err = capture.path("stderr");
+    std::ofstream(in) << options.input;
+    std::string command;
+    if (!options.workingDir.empty()) {
+        command += "cd " + quote(options.workingDir) + " && ";
+    }
+    std::vector<std::string> settings = options.environment;
+    // In a sanitizer build korva's leak check must ignore third-party
+    // libraries as scripts/test tells it to, also when ctest runs alone.
+    if (!std::getenv("LSAN_OPTIONS")) {
+        settings.push_back("LSAN_OPTIONS=suppressions=" KORVA_SOURCE_DIR "/scripts/lsan.supp:print_suppressions=0");
+    }
+    if (options.testPackage) {
+        settings.push_back("KORVA_PACKAGE_PATH=" KORVA_TEST_PACKAGE_DIR);
+        settings.push_back("KORVA_PACKAGES=kxtestpackage");
+    }
+    command += "env";
+    for (const std::string& setting : settings) {
+        command += " " + quote(setting);
+    }
+    command += " ";
+    command += quote(KORVA_BINARY_DIR "/bin/korva");
+    for (const std::string& a : args) {
+        command += " " + quote(a);
+    }
+    command += " <" + quote(in) + " >" + quote(out) + " 2>" + quote(err);
+    int raw = std::system(command.c_str());
+    return KorvaRun{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readAll(out), readAll(err)};
+}
+
+int countOccurrences(const std::string& text, const std::string& what) {
+    int n = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++n;
+    }
+    return n;
+}
