@@ -11,6 +11,7 @@
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "support/KorvaRunner.h"
 #include "support/TclEval.h"
 
 TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
@@ -22,6 +23,33 @@ TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
     for (const char* name : {"KxSpatialGraphInterface", "KxSpatialGraphInterfaceImpl",
                              "KxSpatialGraphSelectionInterface", "KxSpatialGraphSelectionInterfaceImpl"}) {
         EXPECT_STREQ(theClassRegistry->getPackage(name), "kxspatialgraph") << name;
+    }
+}
+
+// `{label} help` of every class create can make lists the commands of its
+// base classes too, and the object answers each of them.
+TEST(KxSpatialGraphPackageTest, EveryObjectAnswersEveryCommandItsHelpLists) {
+    korvapackage_kxspatialgraph_init();
+    KxObjectPool pool;
+    KxTclInterpreter tcl(pool);
+    installConsoleCommands(tcl);
+    for (const std::string& name : theClassRegistry->classNames()) {
+        if (!theClassRegistry->isCreatable(name.c_str())) {
+            continue;
+        }
+        SCOPED_TRACE(name);
+        std::string label = evalOk(tcl, ("create " + name).c_str());
+        std::string help = evalOk(tcl, ("{" + label + "} help").c_str());
+        for (const char* inherited : {"\ngetTypeName\n", "\nsetParameters text\n"}) {
+            EXPECT_NE(help.find(inherited), std::string::npos) << help;
+        }
+        size_t start = 0;
+        for (size_t end = help.find('\n'); end != std::string::npos;
+             start = end + 1, end = help.find('\n', start)) {
+            std::string word = help.substr(start, help.find_first_of(" \n", start) - start);
+            tcl.eval(("{" + label + "} " + word).c_str());
+            EXPECT_EQ(tcl.result().find("has no command"), std::string::npos) << word;
+        }
     }
 }
 
@@ -41,19 +69,9 @@ TEST(KxSpatialGraphPackageTest, ConsoleHelpListsTheGraphCommands) {
 // The example builds two neurons (x 0..10 and 20..30, y 0..6, z 0..1), merges
 // them, scales by 2 and moves by 5 in z, so the baked box is known by hand.
 TEST(KxSpatialGraphPackageTest, GraphBasicsExampleRunsInKorva) {
-    // Coin keeps a few objects for the life of the korva process; the leak
-    // checker of a sanitizer build must not fail the script for them.
-    std::string command = std::string("ASAN_OPTIONS=detect_leaks=0 " KORVA_BINARY_DIR "/bin/korva ") +
-                          KORVA_SOURCE_DIR + "/examples/graph_basics.tcl 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    ASSERT_NE(pipe, nullptr);
-    std::string output;
-    char buffer[4096];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-        output.append(buffer, n);
-    }
-    EXPECT_EQ(pclose(pipe), 0) << output;
+    KorvaRun run = runKorva({KORVA_SOURCE_DIR "/examples/graph_basics.tcl"});
+    std::string output = run.out + run.err;
+    EXPECT_EQ(run.status, 0) << output;
     EXPECT_NE(output.find("Bounding box after applyTransform: 0.0 60.0 0.0 12.0 5.0 7.0"), std::string::npos)
         << output;
     EXPECT_NE(output.find("\"Dendrite\" {"), std::string::npos) << output;

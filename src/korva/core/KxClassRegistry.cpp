@@ -27,7 +27,7 @@ KxClassRegistry& KxClassRegistry::instance() {
 
 bool KxClassRegistry::registerClass(const char* name, const char* package, Factory factory) {
     if (!classes_.insert(name, Entry{package ? package : "", std::move(factory), {}})) {
-        theMsg->printf("Warning: class %s is registered already", name);
+        theMsg->printf("Warning: Class %s is registered already.", name);
         return false;
     }
     return true;
@@ -50,12 +50,12 @@ bool KxClassRegistry::isCreatable(const char* name) const {
 KxObject* KxClassRegistry::createInstance(const char* name) const {
     const Entry* e = classes_.lookup(name);
     if (!e) {
-        theMsg->printf("Error: unknown class \"%s\"", name);
+        theMsg->printf("Error: Unknown class \"%s\".", name);
         return nullptr;
     }
     KxObject* object = e->factory ? e->factory() : nullptr;
     if (!object) {
-        theMsg->printf("Error: class \"%s\" cannot be created", name);
+        theMsg->printf("Error: Class \"%s\" cannot be created.", name);
     }
     return object;
 }

@@ -7,6 +7,26 @@
 
 #include "korva/core/KxMessageConsole.h"
 
+KxCommandReply::ErrorTap::ErrorTap() {
+    id_ = theMsg->addTap([this](const std::string& line) {
+        if (first_.empty() && line.compare(0, 7, "Error: ") == 0) {
+            first_ = line;
+        }
+    });
+}
+
+KxCommandReply::ErrorTap::~ErrorTap() {
+    theMsg->removeTap(id_);
+}
+
+int KxCommandReply::failWith(Tcl_Interp* interp, const ErrorTap& tap, const std::string& fallback) {
+    if (tap.first().empty()) {
+        return fail(interp, fallback);
+    }
+    Tcl_SetObjResult(interp, Tcl_NewStringObj(tap.first().c_str(), -1));
+    return TCL_ERROR;
+}
+
 int KxCommandReply::usage(Tcl_Interp* interp, const char* usage) {
     return fail(interp, std::string("USAGE: ") + usage);
 }

@@ -12,10 +12,27 @@ struct Tcl_Interp;
 // the command sees the line was printed and does not print it again.
 class KxCommandReply {
 public:
+    // Remembers the first "Error: " line printed while it lives, so that a
+    // command whose work printed the reason fails with that line.
+    class ErrorTap {
+    public:
+        ErrorTap();
+        ~ErrorTap();
+        ErrorTap(const ErrorTap&) = delete;
+        ErrorTap& operator=(const ErrorTap&) = delete;
+        const std::string& first() const { return first_; }
+
+    private:
+        int id_;
+        std::string first_;
+    };
+
     // A wrong call: "USAGE: <usage>", e.g. usage(interp, "merge otherDataSet").
     static int usage(Tcl_Interp* interp, const char* usage);
     // A bad value or a failed action; line is a whole "Error: ..." line.
     static int fail(Tcl_Interp* interp, const std::string& line);
+    // Fails with the first line the tap saw (printed already), or prints fallback.
+    static int failWith(Tcl_Interp* interp, const ErrorTap& tap, const std::string& fallback);
     static int failf(Tcl_Interp* interp, const char* fmt, ...) KX_PRINTF_FORMAT(2, 3);
     // Tcl's own message in the interpreter's result (a word that is not a
     // number, say) as "Error: <message>".

@@ -17,33 +17,6 @@
 
 namespace {
 
-// Remembers the first "Error: " line printed while it lives.
-class ErrorTap {
-public:
-    ErrorTap() {
-        id_ = theMsg->addTap([this](const std::string& line) {
-            if (first_.empty() && line.compare(0, 7, "Error: ") == 0) {
-                first_ = line;
-            }
-        });
-    }
-    ~ErrorTap() { theMsg->removeTap(id_); }
-    const std::string& first() const { return first_; }
-
-private:
-    int id_;
-    std::string first_;
-};
-
-// Fails with the first error line the tap saw, or the fallback.
-int failWith(Tcl_Interp* interp, const ErrorTap& tap, const std::string& fallback) {
-    if (!tap.first().empty()) {
-        Tcl_SetObjResult(interp, Tcl_NewStringObj(tap.first().c_str(), -1));
-        return TCL_ERROR;
-    }
-    return KxCommandReply::fail(interp, fallback);
-}
-
 KxTclInterpreter& session(ClientData cd) {
     return *static_cast<KxTclInterpreter*>(cd);
 }
@@ -55,12 +28,12 @@ int loadCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
     Tcl_Obj* labels = Tcl_NewListObj(0, nullptr);
     Tcl_IncrRefCount(labels);
     for (int i = 1; i < objc; ++i) {
-        ErrorTap tap;
+        KxCommandReply::ErrorTap tap;
         std::vector<KxObject*> created;
         const char* filename = Tcl_GetString(objv[i]);
         if (!theFileFormats->load(filename, created, session(cd).pool())) {
             Tcl_DecrRefCount(labels);
-            return failWith(interp, tap, std::string("Error: cannot load ") + filename);
+            return KxCommandReply::failWith(interp, tap, std::string("Error: Cannot load ") + filename + ".");
         }
         for (KxObject* object : created) {
             Tcl_ListObjAppendElement(nullptr, labels, Tcl_NewStringObj(object->getLabel(), -1));
@@ -79,15 +52,16 @@ int saveCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
     const char* label = Tcl_GetString(objv[2]);
     const KxFileFormat* format = theFileFormats->find(formatName);
     if (!format) {
-        return KxCommandReply::fail(interp, std::string("Error: unknown file format \"") + formatName + "\"");
+        return KxCommandReply::fail(interp,
+                                    std::string("Error: Unknown file format \"") + formatName + "\".");
     }
     KxData* data = session(cd).pool().findData(label);
     if (!data) {
-        return KxCommandReply::fail(interp, std::string("Error: no data object \"") + label + "\"");
+        return KxCommandReply::fail(interp, std::string("Error: No data object \"") + label + "\".");
     }
-    ErrorTap tap;
+    KxCommandReply::ErrorTap tap;
     if (!theFileFormats->save(*format, data, Tcl_GetString(objv[3]))) {
-        return failWith(interp, tap, "Error: save failed");
+        return KxCommandReply::failWith(interp, tap, "Error: Save failed.");
     }
     return TCL_OK;
 }
@@ -104,7 +78,7 @@ int removeCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]
     for (int i = 1; i < objc; ++i) {
         const char* label = Tcl_GetString(objv[i]);
         if (!pool.remove(label)) {
-            return KxCommandReply::fail(interp, std::string("Error: no object \"") + label + "\"");
+            return KxCommandReply::fail(interp, std::string("Error: No object \"") + label + "\".");
         }
     }
     return TCL_OK;
@@ -131,11 +105,11 @@ int createCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]
     if (objc < 2 || objc > 3) {
         return KxCommandReply::usage(interp, "create CLASS ?LABEL?");
     }
-    ErrorTap tap;
+    KxCommandReply::ErrorTap tap;
     const char* className = Tcl_GetString(objv[1]);
     KxObject* object = theClassRegistry->createInstance(className);
     if (!object) {
-        return failWith(interp, tap, std::string("Error: cannot create ") + className);
+        return KxCommandReply::failWith(interp, tap, std::string("Error: Cannot create ") + className + ".");
     }
     const char* label = session(cd).pool().add(object, objc == 3 ? Tcl_GetString(objv[2]) : className);
     Tcl_SetObjResult(interp, Tcl_NewStringObj(label, -1));

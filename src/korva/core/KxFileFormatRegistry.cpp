@@ -22,13 +22,13 @@ KxFileFormatRegistry& KxFileFormatRegistry::instance() {
 
 bool KxFileFormatRegistry::addFormat(const KxFileFormat& format) {
     if (format.name.empty() || (!format.read && !format.write)) {
-        theMsg->printf("Error: file format \"%s\" needs a name and a reader or a writer",
+        theMsg->printf("Error: File format \"%s\" needs a name and a reader or a writer.",
                        format.name.c_str());
         return false;
     }
     for (const auto& f : formats_) {
         if (strcasecmp(f->name.c_str(), format.name.c_str()) == 0) {
-            theMsg->printf("Error: file format \"%s\" is registered already", format.name.c_str());
+            theMsg->printf("Error: File format \"%s\" is registered already.", format.name.c_str());
             return false;
         }
     }
@@ -152,16 +152,16 @@ bool KxFileFormatRegistry::load(const char* filename, std::vector<KxObject*>& cr
     created.clear();
     struct stat st;
     if (stat(filename, &st) != 0 || access(filename, R_OK) != 0) {
-        theMsg->printf("Error: cannot read file %s: %s", filename, std::strerror(errno));
+        theMsg->printf("Error: Cannot read file %s: %s.", filename, std::strerror(errno));
         return false;
     }
     if (!S_ISREG(st.st_mode)) {
-        theMsg->printf("Error: cannot read file %s: not a regular file", filename);
+        theMsg->printf("Error: Cannot read file %s: not a regular file.", filename);
         return false;
     }
     const KxFileFormat* format = findReader(filename);
     if (!format) {
-        theMsg->printf("Error: unknown file format of %s", filename);
+        theMsg->printf("Error: Unknown file format of %s.", filename);
         return false;
     }
     std::vector<KxObject*> before;
@@ -176,7 +176,7 @@ bool KxFileFormatRegistry::load(const char* filename, std::vector<KxObject*>& cr
         }
     }
     if (!ok) {
-        theMsg->printf("Error: could not read %s as %s", filename, format->name.c_str());
+        theMsg->printf("Error: Could not read %s as %s.", filename, format->name.c_str());
         return false;
     }
     for (KxObject* object : created) {
@@ -189,11 +189,11 @@ bool KxFileFormatRegistry::load(const char* filename, std::vector<KxObject*>& cr
 
 bool KxFileFormatRegistry::save(const KxFileFormat& format, KxData* data, const char* filename) {
     if (!format.write) {
-        theMsg->printf("Error: format %s cannot be written", format.name.c_str());
+        theMsg->printf("Error: Format %s cannot be written.", format.name.c_str());
         return false;
     }
     if (!format.className.empty() && !data->isOfType(format.className.c_str())) {
-        theMsg->printf("Error: format %s writes %s, not %s", format.name.c_str(), format.className.c_str(),
+        theMsg->printf("Error: Format %s writes %s, not %s.", format.name.c_str(), format.className.c_str(),
                        data->getTypeName());
         return false;
     }
@@ -205,11 +205,11 @@ bool KxFileFormatRegistry::save(const KxFileFormat& format, KxData* data, const 
                        target.substr(slash == std::string::npos ? 0 : slash + 1);
     if (!format.write(data, temp.c_str())) {
         std::remove(temp.c_str());
-        theMsg->printf("Error: could not write %s as %s", filename, format.name.c_str());
+        theMsg->printf("Error: Could not write %s as %s.", filename, format.name.c_str());
         return false;
     }
     if (std::rename(temp.c_str(), filename) != 0) {
-        theMsg->printf("Error: cannot replace %s: %s", filename, std::strerror(errno));
+        theMsg->printf("Error: Cannot replace %s: %s.", filename, std::strerror(errno));
         std::remove(temp.c_str());
         return false;
     }
@@ -377,7 +377,7 @@ int KxFileFormatRegistry::parseResources(const char* text, size_t length, const 
     std::vector<FormatText> entries;
     std::string error;
     if (!parseFormats(scanner, entries, error)) {
-        theMsg->printf("Error: %s, %s", origin, error.c_str());
+        theMsg->printf("Error: %s, %s.", origin, error.c_str());
         return -1;
     }
     int added = 0;
@@ -391,7 +391,7 @@ int KxFileFormatRegistry::parseResources(const char* text, size_t length, const 
             }
             void* p = resolve ? resolve(symbol.c_str()) : nullptr;
             if (!p) {
-                theMsg->printf("Error: %s, line %d: format \"%s\": no function %s", origin, e.line,
+                theMsg->printf("Error: %s, line %d: format \"%s\": no function %s.", origin, e.line,
                                f.name.c_str(), symbol.c_str());
                 resolved = false;
             }
@@ -418,7 +418,7 @@ int KxFileFormatRegistry::parseResources(const char* text, size_t length, const 
 int KxFileFormatRegistry::loadResourceFile(const char* path, const char* package, const Resolver& resolve) {
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        theMsg->printf("Error: cannot read resource file %s", path);
+        theMsg->printf("Error: Cannot read resource file %s.", path);
         return -1;
     }
     std::stringstream text;

@@ -87,7 +87,7 @@ bool KxPackageLoader::load(const char* name) {
         valid = valid && (std::isalnum(static_cast<unsigned char>(*c)) || *c == '_');
     }
     if (!valid) {
-        theMsg->printf("Error: \"%s\" is not a package name", name);
+        theMsg->printf("Error: \"%s\" is not a package name.", name);
         return false;
     }
     std::string file = std::string("lib") + name + ".so";
@@ -101,24 +101,24 @@ bool KxPackageLoader::load(const char* name) {
         }
     }
     if (libraryPath.empty()) {
-        theMsg->printf("Error: package %s not found (no %s beside libkorva or on KORVA_PACKAGE_PATH)", name,
+        theMsg->printf("Error: Package %s not found (no %s beside libkorva or on KORVA_PACKAGE_PATH).", name,
                        file.c_str());
         return false;
     }
     void* handle = dlopen(libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
-        theMsg->printf("Error: cannot load package %s: %s", name, dlerror());
+        theMsg->printf("Error: Cannot load package %s (%s).", name, dlerror());
         return false;
     }
     std::string initName = std::string("korvapackage_") + name + "_init";
     auto init = reinterpret_cast<int (*)()>(dlsym(handle, initName.c_str()));
     if (!init) {
-        theMsg->printf("Error: package %s has no function %s", name, initName.c_str());
+        theMsg->printf("Error: Package %s has no function %s.", name, initName.c_str());
         dlclose(handle);
         return false;
     }
     if (!init()) {
-        theMsg->printf("Error: package %s failed to initialise", name);
+        theMsg->printf("Error: Package %s failed to initialise.", name);
         return false;
     }
     std::string resourceDir = libraryDir + "/../share/" + name;

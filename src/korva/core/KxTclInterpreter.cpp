@@ -23,7 +23,7 @@ KxTclInterpreter::KxTclInterpreter(KxObjectPool& pool) : pool_(pool), interp_(Tc
     if (Tcl_Init(interp_) != TCL_OK) {
         // Without its script library Tcl still evaluates commands; only a few
         // library procedures (e.g. auto-loading) are missing.
-        theMsg->printf("Warning: Tcl library not found: %s", Tcl_GetStringResult(interp_));
+        theMsg->printf("Warning: Tcl library not found (%s).", Tcl_GetStringResult(interp_));
     }
     observerId_ =
         pool_.addObserver([this](KxObjectPool::Event event, KxObject* object, const char* oldLabel) {

@@ -33,9 +33,11 @@ int mergeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** ar
     if (!data || !data->isOfType("KxSpatialGraph")) {
         return KxCommandReply::fail(interp, "Data sets must be of same type");
     }
-    // merge() printed why it refused.
+    // merge() prints why it refuses.
+    KxCommandReply::ErrorTap tap;
     if (!graph.merge(static_cast<KxSpatialGraph*>(data))) {
-        return KxCommandReply::failf(interp, "Error: Cannot merge %s into %s.", args[0], graph.getLabel());
+        return KxCommandReply::failWith(
+            interp, tap, String::format("Error: Cannot merge %s into %s.", args[0], graph.getLabel()).std());
     }
     graph.touch(KxData::ALL_PARTS);
     graph.fire();
@@ -99,7 +101,8 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
         return KxCommandReply::usage(interp, text);
     }
     if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1)) {
-        return KxCommandReply::failf(interp, "Error: nDataVar must be a positive number, not \"%s\".", args[3]);
+        return KxCommandReply::failf(interp, "Error: nDataVar must be a positive number, not \"%s\".",
+                                     args[3]);
     }
     graph.addAttribute(args[0], loc, isInt ? PrimType::INT32 : PrimType::FLOAT32, nDataVar);
     graph.touch(KxData::NEW_DATA);
@@ -183,7 +186,8 @@ int addLabelCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
     }
     int id = graph.addLabel(args[0], parentId, args[2], SbColor(rgb));
     if (id < 0) {
-        return KxCommandReply::failf(interp, "Error: Label group %s has no label with id %d.", args[0], parentId);
+        return KxCommandReply::failf(interp, "Error: Label group %s has no label with id %d.", args[0],
+                                     parentId);
     }
     graph.touch(KxData::NEW_PARAMETERS);
     graph.fire();

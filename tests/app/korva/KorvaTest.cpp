@@ -15,23 +15,10 @@
 
 #include <QImage>
 
+#include "support/KorvaRunner.h"
 #include "support/TempDir.h"
 
 namespace {
-
-struct KorvaRun {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string quote(const std::string& s) {
-    std::string q = "'";
-    for (char c : s) {
-        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    }
-    return q + "'";
-}
 
 std::string readFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -39,43 +26,59 @@ std::string readFile(const std::string& path) {
 }
 
 int count(const std::string& text, const std::string& what) {
-    int n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-        ++n;
-    }
-    return n;
+    return countOccurrences(text, what);
 }
+
+// A graph file whose second vertex lies away from its edge's end: it loads,
+// but its consistency check reports the fault.
+const char* kDamagedGraph = R"(KorvaMesh 1 ascii
+parameters {
+  "ContentType" string "KxSpatialGraph"
+}
+location "VERTEX" 2
+location "EDGE" 1
+location "POINT" 2
+array "VertexCoordinates" "VERTEX" float 3
+array "EdgeConnectivity" "EDGE" int32 2
+array "NumEdgePoints" "EDGE" int32 1
+array "EdgePointCoordinates" "POINT" float 3
+end
+@1
+0 0 0
+5 0 0
+@2
+0 1
+@3
+2
+@4
+0 0 0
+1 0 0
+)";
+
+// Two thick tubes crossing the middle of the picture, seen from +z; the
+// label group "Topology" marks the horizontal one red, the vertical one green.
+const char* kCrossScript =
+    "set g [create KxSpatialGraph cross]\n"
+    "set a [$g addVertex -10 0 0]\nset b [$g addVertex 10 0 0]\n"
+    "set c [$g addVertex 0 -10 0]\nset d [$g addVertex 0 10 0]\n"
+    "$g addEdge $a $b\n$g addEdge $c $d\n"
+    "$g addAttribute thickness POINT float\n"
+    "$g addLabelGroup Topology POINT\n"
+    "set red [$g addLabel Topology 0 Axon 1 0 0]\nset green [$g addLabel Topology 0 Dendrite 0 1 0]\n"
+    "foreach e {0 1} id [list $red $green] { foreach p {0 1} {\n"
+    "    $g setValue POINT thickness $e $p 2.0\n    $g setValue POINT Topology $e $p $id\n} }\n";
 
 class KorvaTest : public ::testing::Test {
 protected:
-    // Runs korva with the arguments in the test's directory; stdin from the
-    // given text (not a terminal), with the test package when asked.
+    // Runs korva in the test's directory with stdin from the given text.
     KorvaRun korva(const std::vector<std::string>& args, const std::string& input = "",
-                   bool testPackage = false) {
-        std::string in = dir_.path(".stdin"), out = dir_.path(".stdout"), err = dir_.path(".stderr");
-        std::ofstream(in) << input;
-        std::string command = "cd " + quote(dir_.path()) + " && ";
-        // In a sanitizer build korva's leak check must ignore third-party
-        // libraries as scripts/test tells it to, also when ctest runs alone.
-        if (!std::getenv("LSAN_OPTIONS")) {
-            command += "LSAN_OPTIONS=suppressions=" + quote(KORVA_SOURCE_DIR "/scripts/lsan.supp") +
-                       ":print_suppressions=0 ";
-        }
-        if (testPackage) {
-            command +=
-                "KORVA_PACKAGE_PATH=" + quote(KORVA_TEST_PACKAGE_DIR) + " KORVA_PACKAGES=kxtestpackage ";
-        }
-        command += quote(std::string(KORVA_BINARY_DIR) + "/bin/korva");
-        for (const std::string& a : args) {
-            command += " " + quote(a);
-        }
-        command += " <" + quote(in) + " >" + quote(out) + " 2>" + quote(err);
-        int raw = std::system(command.c_str());
-        KorvaRun run{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(out), readFile(err)};
-        std::remove(in.c_str());
-        std::remove(out.c_str());
-        std::remove(err.c_str());
-        return run;
+                   bool testPackage = false, std::vector<std::string> environment = {}) {
+        KorvaRunOptions options;
+        options.workingDir = dir_.path();
+        options.input = input;
+        options.testPackage = testPackage;
+        options.environment = std::move(environment);
+        return runKorva(args, options);
     }
 
     std::string write(const std::string& name, const std::string& contents) {
@@ -88,6 +91,72 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
+    write("cross.tcl", kCrossScript);
+    write("damaged.kxm", kDamagedGraph);
+    write("noext", "puts \"ran [lindex $argv 0]\"\n");
+    ASSERT_EQ(korva({"-c", "source cross.tcl; save KorvaMesh cross cross.kxm"}).status, 0);
+    struct Case {
+        std::vector<std::string> args;
+        int status;
+        bool onStdout;  // where the fragment appears, exactly once; never on the other stream
+        std::string fragment;
+    };
+    const Case cases[] = {
+        {{"help"}, 0, true, "usage: korva "},
+        {{"--version"}, 0, true, std::string("korva ") + KORVA_VERSION + "\n"},
+        {{"-x"}, 2, false, "usage: korva "},
+        {{"nothing"}, 2, false, "Error: No file or subcommand named \"nothing\""},
+        {{"noext", "arg"}, 0, true, "ran arg\n"},
+        {{"cross.kxm"}, 0, true, "Vertices:    4\n"},
+        {{"info", "cross.kxm"}, 0, true, "Attribute:   thickness (POINT, float, 1)\n"},
+        {{"info", "cross.kxm"}, 0, true, "Attribute:   Topology (POINT, int, 1), label group Topology\n"},
+        {{"info", "cross.kxm"}, 0, true, "Label group: Topology (2 labels)\n"},
+        {{"info", "damaged.kxm"}, 1, false, "Error: target vertex 1 coordinates"},
+        {{"info"}, 2, false, "USAGE: korva info FILE ...\n"},
+        {{"-c", "create KxSpatialGraph g; g merge"}, 1, false, "USAGE: merge otherDataSet\n"},
+        {{"-c", "create KxSpatialGraph g; g addVertex 1 2 zz"},
+         1,
+         false,
+         "Error: Expected floating-point number but got \"zz\".\n"},
+        {{"-c", "create KxData d; d nosuch"}, 1, false, "Error: Object d has no command \"nosuch\""},
+        {{"-c", "create KxSpatialGraph g; g help"}, 0, true, "\nsetParameters text\n"},
+        {{"-c", "create KxSpatialGraph g; g help"}, 0, true, "\ngetValue VERTEX|EDGE name index"},
+        {{"render", "cross.kxm", "x.bmp"},
+         2,
+         false,
+         "Error: Cannot write x.bmp: pictures are written as PNG (.png) or JPEG (.jpg, .jpeg).\n"},
+        {{"render", "cross.kxm", "x.png", "0", "80"},
+         2,
+         false,
+         "Error: The width must be a whole number from 1 to 8192, not \"0\".\n"},
+        {{"render", "cross.kxm", "x.png", "10", "9000"}, 2, false, "from 1 to 8192, not \"9000\""},
+        {{"render", "--colour", "Topology", "cross.kxm", "x.png"}, 2, false, "USAGE: korva render "},
+        {{"render", "--color", "Nope", "cross.kxm", "x.png", "40", "30"},
+         1,
+         false,
+         "Error: Graph cross.kxm has no point or edge attribute or label group named \"Nope\".\n"},
+    };
+    for (const Case& c : cases) {
+        std::string call;
+        for (const std::string& a : c.args) {
+            call += " " + a;
+        }
+        SCOPED_TRACE("korva" + call);
+        KorvaRun run = korva(c.args);
+        EXPECT_EQ(run.status, c.status) << run.out << run.err;
+        EXPECT_EQ(count(c.onStdout ? run.out : run.err, c.fragment), 1) << run.out << run.err;
+        EXPECT_EQ(count(c.onStdout ? run.err : run.out, c.fragment), 0) << run.out << run.err;
+    }
+}
+
+TEST_F(KorvaTest, HelpListsOnlyClassesThatCreateCanMake) {
+    KorvaRun help = korva({"-c", "help"});
+    EXPECT_NE(help.out.find("  KxSpatialGraph\n"), std::string::npos) << help.out;
+    EXPECT_EQ(help.out.find("Interface"), std::string::npos) << help.out;
+    EXPECT_EQ(help.out.find("  KxObject\n"), std::string::npos) << help.out;
+}
 
 TEST_F(KorvaTest, ScriptGetsItsArgumentsAndAFailingScriptExitsNonZeroWithTheMessage) {
     write("ok.tcl", "puts \"$argc [lindex $argv 1] [file tail $argv0]\"\n");
@@ -123,18 +192,18 @@ TEST_F(KorvaTest, LoadOfUnknownOrMissingFilesGivesOneErrorLine) {
     write("data.xyz", "something");
     KorvaRun unknown = korva({"-c", "load data.xyz"});
     EXPECT_EQ(unknown.status, 1);
-    EXPECT_EQ(count(unknown.err, "Error: unknown file format of data.xyz"), 1) << unknown.err;
+    EXPECT_EQ(count(unknown.err, "Error: Unknown file format of data.xyz."), 1) << unknown.err;
 
     KorvaRun missing = korva({"-c", "load gone.swc"});
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(count(missing.err, "Error: cannot read file gone.swc: No such file or directory"), 1)
+    EXPECT_EQ(count(missing.err, "Error: Cannot read file gone.swc: No such file or directory."), 1)
         << missing.err;
 
     // A script may catch the failure and go on; the line is still shown.
     KorvaRun caught = korva({"-c", "if {[catch {load data.xyz} msg]} { puts \"caught: $msg\" }"});
     EXPECT_EQ(caught.status, 0) << caught.err;
-    EXPECT_EQ(caught.out, "caught: Error: unknown file format of data.xyz\n");
-    EXPECT_EQ(caught.err, "Error: unknown file format of data.xyz\n");
+    EXPECT_EQ(caught.out, "caught: Error: Unknown file format of data.xyz.\n");
+    EXPECT_EQ(caught.err, "Error: Unknown file format of data.xyz.\n");
 }
 
 TEST_F(KorvaTest, ConsoleReadsCommandsFromStdinWhenItIsNotATerminal) {
@@ -173,11 +242,11 @@ TEST_F(KorvaTest, InfoAndConvertGoThroughThePackagesFormats) {
 
     KorvaRun noWriter = korva({"convert", "memo", "copy.png"}, "", true);
     EXPECT_EQ(noWriter.status, 1);
-    EXPECT_EQ(noWriter.err, "Error: no format writes KxTestNote to files named like copy.png\n");
+    EXPECT_EQ(noWriter.err, "Error: No format writes KxTestNote to files named like copy.png.\n");
 
     KorvaRun unknown = korva({"info", "copy.png"}, "", true);
     EXPECT_EQ(unknown.status, 1);
-    EXPECT_EQ(unknown.err, "Error: cannot read file copy.png: No such file or directory\n");
+    EXPECT_EQ(unknown.err, "Error: Cannot read file copy.png: No such file or directory.\n");
 }
 
 TEST_F(KorvaTest, LoadAndSaveFromAScript) {
@@ -192,7 +261,7 @@ TEST_F(KorvaTest, LoadAndSaveFromAScript) {
           "puts [all]|\n");
     KorvaRun run = korva({"session.tcl"}, "", true);
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "memo.note KxTestNote\n1:Error: no data object \"nobody\"\n|\n");
+    EXPECT_EQ(run.out, "memo.note KxTestNote\n1:Error: No data object \"nobody\".\n|\n");
     EXPECT_EQ(readFile(dir_.path("new.note")), "KXNOTE\nhello");
     EXPECT_EQ(readFile(dir_.path("old.note")), "KXNOTE\nold");
     KorvaRun help = korva({"-c", "help"}, "", true);
@@ -208,30 +277,34 @@ TEST_F(KorvaTest, UsageListsTheSubcommands) {
 }
 
 TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
-    // Two thick tubes crossing the middle of the picture, seen from +z.
-    write("cross.tcl",
-          "set g [create KxSpatialGraph cross]\n"
-          "set a [$g addVertex -10 0 0]\nset b [$g addVertex 10 0 0]\n"
-          "set c [$g addVertex 0 -10 0]\nset d [$g addVertex 0 10 0]\n"
-          "$g addEdge $a $b\n$g addEdge $c $d\n"
-          "$g addAttribute thickness POINT float\n"
-          "foreach e {0 1} { foreach p {0 1} { $g setValue POINT thickness $e $p 2.0 } }\n");
+    write("cross.tcl", kCrossScript);
     for (bool legacy : {false, true}) {
         SCOPED_TRACE(legacy ? "legacy tubes" : "GPU tubes");
+        std::vector<std::string> environment;
+        if (legacy) {
+            environment.push_back("KORVA_LEGACY_TUBES=1");
+        }
         std::string png = dir_.path(legacy ? "legacy.png" : "gpu.png");
-        KorvaRun run = legacy ? korva({"-c", "set ::env(KORVA_LEGACY_TUBES) 1; puts [exec " +
-                                                 std::string(KORVA_BINARY_DIR) +
-                                                 "/bin/korva render cross.tcl " + png + " 120 80 2>@1]"})
-                              : korva({"render", "cross.tcl", png, "120", "80"});
+        KorvaRun run = korva({"render", "cross.tcl", png, "120", "80"}, "", false, environment);
         ASSERT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(legacy, run.out.find("Falling back to legacy tube rendering") != std::string::npos ||
-                              run.err.find("Falling back to legacy tube rendering") != std::string::npos)
+        EXPECT_EQ(legacy, run.out.find("Falling back to legacy tube rendering") != std::string::npos)
             << run.out << run.err;
         QImage image(QString::fromStdString(png));
         ASSERT_EQ(image.width(), 120);
         ASSERT_EQ(image.height(), 80);
         EXPECT_GT(image.pixelColor(60, 40).red(), 100);  // where the tubes cross
         EXPECT_EQ(image.pixelColor(5, 5).red(), 0);      // background corner
+
+        // By the label group, the horizontal tube is red and the vertical one green.
+        std::string jpeg = dir_.path(legacy ? "legacy.jpg" : "gpu.jpg");
+        KorvaRun coloured =
+            korva({"render", "--color", "Topology", "cross.tcl", jpeg, "120", "80"}, "", false, environment);
+        ASSERT_EQ(coloured.status, 0) << coloured.err;
+        QImage labels(QString::fromStdString(jpeg));
+        ASSERT_EQ(labels.width(), 120);
+        QColor horizontal = labels.pixelColor(45, 40), vertical = labels.pixelColor(60, 25);
+        EXPECT_GT(horizontal.red(), 2 * horizontal.green() + 20) << horizontal.name().toStdString();
+        EXPECT_GT(vertical.green(), 2 * vertical.red() + 20) << vertical.name().toStdString();
     }
 
     // A saved graph file renders like the script that built it.
@@ -246,8 +319,6 @@ TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
     EXPECT_EQ(nothing.status, 1);
     EXPECT_NE(nothing.err.find("Error: Nothing in empty.tcl can be rendered."), std::string::npos)
         << nothing.err;
-    EXPECT_EQ(korva({"render", "cross.tcl"}).status, 2);
-    EXPECT_EQ(korva({"render", "cross.tcl", "x.png", "0", "80"}).status, 2);
 }
 
 TEST(KorvaConsoleTest, OnATerminalTheConsolePromptsAndPrintsResults) {

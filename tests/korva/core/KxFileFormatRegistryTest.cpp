@@ -181,10 +181,10 @@ TEST_F(KxFileFormatRegistryTest, LoadFailuresPrintOneErrorLineEach) {
     };
     std::vector<Case> cases = {
         {dir_.path("missing.txt"),
-         "Error: cannot read file " + dir_.path("missing.txt") + ": No such file or directory"},
-        {dir_.path("unknown.dat"), "Error: unknown file format of " + dir_.path("unknown.dat")},
-        {dir_.path("broken.brk"), "Error: could not read " + dir_.path("broken.brk") + " as Broken"},
-        {dir_.path(""), "Error: cannot read file " + dir_.path("") + ": not a regular file"},
+         "Error: Cannot read file " + dir_.path("missing.txt") + ": No such file or directory."},
+        {dir_.path("unknown.dat"), "Error: Unknown file format of " + dir_.path("unknown.dat") + "."},
+        {dir_.path("broken.brk"), "Error: Could not read " + dir_.path("broken.brk") + " as Broken."},
+        {dir_.path(""), "Error: Cannot read file " + dir_.path("") + ": not a regular file."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.path);
@@ -205,14 +205,14 @@ TEST_F(KxFileFormatRegistryTest, SaveReplacesTheFileOnlyOnSuccess) {
 
     KxMessageCapture capture;
     EXPECT_FALSE(registry_.save(*registry_.find("Broken"), &data, path.c_str()));
-    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: could not write " + path + " as Broken"});
+    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: Could not write " + path + " as Broken."});
     EXPECT_EQ(readFile(path), "old");
     EXPECT_EQ(dir_.list(), std::vector<std::string>{"out.txt"}) << "the temporary file is gone";
     EXPECT_TRUE(data.isModified());
 
     capture.clear();
     EXPECT_FALSE(registry_.save(*registry_.find("Magic"), &data, path.c_str()));
-    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: format Magic cannot be written"});
+    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: Format Magic cannot be written."});
 
     ASSERT_TRUE(registry_.save(*registry_.find("Text"), &data, path.c_str()));
     EXPECT_EQ(readFile(path), "saved");
@@ -228,17 +228,17 @@ TEST(KxFileFormatRegistryResourceTest, MalformedResourcesAreRejectedWithTheLine)
         const char* error;
     };
     const Case cases[] = {
-        {"formats \"A\" { read readText }", "Error: bad.rc, line 1: expected 'format'"},
-        {"format { read readText }", "Error: bad.rc, line 1: expected a format name after 'format'"},
-        {"format \"A\" read readText", "Error: bad.rc, line 1: expected '{' after the name of format \"A\""},
+        {"formats \"A\" { read readText }", "Error: bad.rc, line 1: expected 'format'."},
+        {"format { read readText }", "Error: bad.rc, line 1: expected a format name after 'format'."},
+        {"format \"A\" read readText", "Error: bad.rc, line 1: expected '{' after the name of format \"A\"."},
         {"format \"A\" {\n extensions\n read readText\n}",
-         "Error: bad.rc, line 2: 'extensions' needs values"},
-        {"format \"A\" {\n read a b\n}", "Error: bad.rc, line 2: 'read' needs one value"},
-        {"format \"A\" {\n colour red\n read readText\n}", "Error: bad.rc, line 2: unknown key 'colour'"},
+         "Error: bad.rc, line 2: 'extensions' needs values."},
+        {"format \"A\" {\n read a b\n}", "Error: bad.rc, line 2: 'read' needs one value."},
+        {"format \"A\" {\n colour red\n read readText\n}", "Error: bad.rc, line 2: unknown key 'colour'."},
         {"format \"A\" {\n extensions a\n}",
-         "Error: bad.rc, line 3: format \"A\" has neither 'read' nor 'write'"},
-        {"format \"A\" {\n read readText\n", "Error: bad.rc, line 3: unterminated format \"A\""},
-        {"format \"A {\n}", "Error: bad.rc, line 1: expected a format name after 'format'"},
+         "Error: bad.rc, line 3: format \"A\" has neither 'read' nor 'write'."},
+        {"format \"A\" {\n read readText\n", "Error: bad.rc, line 3: unterminated format \"A\"."},
+        {"format \"A {\n}", "Error: bad.rc, line 1: expected a format name after 'format'."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
@@ -260,8 +260,8 @@ TEST(KxFileFormatRegistryResourceTest, UnresolvedFunctionsAndDuplicatesSkipOnlyT
     KxMessageCapture capture;
     EXPECT_EQ(registry.parseResources(text, std::strlen(text), "x.rc", "test", resolve), 2);
     EXPECT_EQ(capture.lines(),
-              (std::vector<std::string>{"Error: x.rc, line 2: format \"B\": no function noSuchReader",
-                                        "Error: file format \"a\" is registered already"}));
+              (std::vector<std::string>{"Error: x.rc, line 2: format \"B\": no function noSuchReader.",
+                                        "Error: File format \"a\" is registered already."}));
     ASSERT_EQ(registry.size(), 2);
     EXPECT_EQ(registry.get(0).name, "A");
     EXPECT_EQ(registry.get(1).name, "C");

@@ -87,7 +87,7 @@ TEST(KxPackageLoaderTest, ResolvedFunctionsReadAndWriteThroughTheRegistry) {
     std::string bad = dir.path("bad.note");
     std::ofstream(bad) << "no header";
     EXPECT_FALSE(theFileFormats->load(bad.c_str(), created, *theObjectPool));
-    EXPECT_TRUE(capture.contains("Error: unknown file format of " + bad)) << capture.text();
+    EXPECT_TRUE(capture.contains("Error: Unknown file format of " + bad + ".")) << capture.text();
 }
 
 TEST(KxPackageLoaderTest, TheSpatialGraphPackageIsFoundBesideTheHostLibrary) {
@@ -104,10 +104,10 @@ TEST(KxPackageLoaderTest, MissingPackagesAndBadNamesFailWithAnErrorLine) {
     };
     const Case cases[] = {
         {"kxnosuchpackage",
-         "Error: package kxnosuchpackage not found (no libkxnosuchpackage.so beside libkorva or on "
-         "KORVA_PACKAGE_PATH)"},
-        {"../kxspatialgraph", "Error: \"../kxspatialgraph\" is not a package name"},
-        {"", "Error: \"\" is not a package name"},
+         "Error: Package kxnosuchpackage not found (no libkxnosuchpackage.so beside libkorva or on "
+         "KORVA_PACKAGE_PATH)."},
+        {"../kxspatialgraph", "Error: \"../kxspatialgraph\" is not a package name."},
+        {"", "Error: \"\" is not a package name."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

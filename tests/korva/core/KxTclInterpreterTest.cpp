@@ -54,8 +54,9 @@ TEST_F(KxTclInterpreterTest, PoolObjectsAreCommandsThatFollowTheirLabels) {
     EXPECT_EQ(error("other echo"), "invalid command name \"other\"");
     // Unknown object commands and missing arguments fail with a message.
     pool_.add(new EchoData, "e");
-    EXPECT_EQ(error("e frobnicate"), "Error: e has no command \"frobnicate\"");
-    EXPECT_EQ(error("e"), "USAGE: e command ?args?");
+    EXPECT_EQ(error("e frobnicate"),
+              "Error: Object e has no command \"frobnicate\"; \"{e} help\" lists its commands.");
+    EXPECT_EQ(error("e"), "USAGE: {e} command ?args?");
 }
 
 TEST_F(KxTclInterpreterTest, LabelsNeverHideTclCommands) {
@@ -92,11 +93,11 @@ TEST_F(KxTclInterpreterTest, CreateAllAndRemove) {
     EXPECT_EQ(pool_.size(), 0);
 
     KxMessageCapture capture;
-    EXPECT_EQ(error("remove ghost"), "Error: no object \"ghost\"");
-    EXPECT_EQ(error("create KxNothing"), "Error: unknown class \"KxNothing\"");
-    EXPECT_EQ(capture.lines(),
-              (std::vector<std::string>{"Error: no object \"ghost\"", "Error: unknown class \"KxNothing\""}));
-    EXPECT_EQ(error("create"), "USAGE: create CLASS ?LABEL?\n");
+    EXPECT_EQ(error("remove ghost"), "Error: No object \"ghost\".");
+    EXPECT_EQ(error("create KxNothing"), "Error: Unknown class \"KxNothing\".");
+    EXPECT_EQ(capture.lines(), (std::vector<std::string>{"Error: No object \"ghost\".",
+                                                         "Error: Unknown class \"KxNothing\"."}));
+    EXPECT_EQ(error("create"), "USAGE: create CLASS ?LABEL?");
 }
 
 TEST_F(KxTclInterpreterTest, ParametersAndChangeNotificationFromTheConsole) {
@@ -112,16 +113,16 @@ TEST_F(KxTclInterpreterTest, ParametersAndChangeNotificationFromTheConsole) {
     EXPECT_EQ(ok("d isModified"), "1");
     EXPECT_EQ(ok("d parameters"), "\"Id\" int 7\n\"Sub\" {\n  \"name\" string \"x\"\n}\n");
     EXPECT_EQ(error("d setParameters {\"Id\" int x}"),
-              "Error: bad parameters: line 1: bad int value 'x' for \"Id\"");
+              "Error: Bad parameters (line 1: bad int value 'x' for \"Id\").");
     EXPECT_TRUE(d->parameters().findInt("Id", id)) << "a failed set leaves the parameters alone";
 }
 
 TEST_F(KxTclInterpreterTest, LoadOfUnknownFilesFailsWithTheErrorLine) {
     KxMessageCapture capture;
     EXPECT_EQ(error("load /no/such/file.swc"),
-              "Error: cannot read file /no/such/file.swc: No such file or directory");
+              "Error: Cannot read file /no/such/file.swc: No such file or directory.");
     EXPECT_EQ(capture.lines(), std::vector<std::string>{
-                                   "Error: cannot read file /no/such/file.swc: No such file or directory"});
-    EXPECT_EQ(ok("catch {load} msg; set msg"), "USAGE: load FILE ?FILE ...?\n");
-    EXPECT_EQ(error("save Nothing x y"), "Error: unknown file format \"Nothing\"");
+                                   "Error: Cannot read file /no/such/file.swc: No such file or directory."});
+    EXPECT_EQ(ok("catch {load} msg; set msg"), "USAGE: load FILE ?FILE ...?");
+    EXPECT_EQ(error("save Nothing x y"), "Error: Unknown file format \"Nothing\".");
 }

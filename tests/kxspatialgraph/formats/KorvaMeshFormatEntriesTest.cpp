@@ -15,6 +15,7 @@
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
+#include "support/KorvaRunner.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -150,22 +151,13 @@ TEST_F(KorvaMeshFormatEntriesTest, KorvaInfoAndConvert) {
     std::string in = dir_.path("chain.kxm");
     std::string out = dir_.path("converted.kxm");
     ASSERT_EQ(g->saveKorvaMesh(in.c_str(), KxSpatialGraph::KorvaMeshEncoding::Ascii), 1);
-    // Coin keeps some allocations for the life of the process; in sanitizer
-    // builds the executable would report them as leaks on exit.
-    const std::string korva = "ASAN_OPTIONS=detect_leaks=0 " + std::string(KORVA_BINARY_DIR) + "/bin/korva";
-    ASSERT_EQ(std::system((korva + " convert " + in + " " + out + " 2>&1").c_str()), 0);
+    ASSERT_EQ(runKorva({"convert", in, out}).status, 0);
     EXPECT_EQ(readFileBytes(out).rfind("KorvaMesh 1 binary-le\n", 0), 0u);
 
-    FILE* pipe = popen((korva + " info " + out + " 2>&1").c_str(), "r");
-    ASSERT_TRUE(pipe);
-    std::string text;
-    char buffer[256];
-    while (fgets(buffer, sizeof(buffer), pipe)) {
-        text += buffer;
-    }
-    EXPECT_EQ(pclose(pipe), 0) << text;
-    EXPECT_NE(text.find("Segments:   3"), std::string::npos) << text;
-    EXPECT_NE(text.find("Points:     9"), std::string::npos) << text;
+    KorvaRun info = runKorva({"info", out});
+    EXPECT_EQ(info.status, 0) << info.err;
+    EXPECT_NE(info.out.find("Edges:"), std::string::npos) << info.out;
+    EXPECT_NE(info.out.find("Points:"), std::string::npos) << info.out;
 }
 
 }  // namespace

@@ -146,7 +146,7 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
     };
     const Case cases[] = {
         {"g addVertex 1 2", "USAGE: addVertex x y z"},
-        {"g addVertex 1 2 zz", "Error: expected floating-point number but got \"zz\""},
+        {"g addVertex 1 2 zz", "Error: Expected floating-point number but got \"zz\"."},
         {"g addEdge 0 2", "Error: Vertex 2 out of range (2)."},
         {"g addEdge 0 1 5 5", "USAGE: addEdge source target ?x y z ...?"},
         {"g addAttribute A CORNER int", "USAGE: addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?"},
@@ -154,11 +154,11 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
         {"g addAttribute A VERTEX int 0", "Error: nDataVar must be a positive number, not \"0\"."},
         {"g setValue EDGE Missing 0 1", "Error: EDGE attribute Missing not found."},
         {"g setValue EDGE Dir 1 1 2", "Error: Edge 1 out of range (1)."},
-        {"g setValue EDGE Dir 0 1", "Error: attribute Dir takes 2 values per element."},
-        {"g setValue EDGE Dir 0 1 x", "Error: expected integer but got \"x\""},
+        {"g setValue EDGE Dir 0 1", "Error: Attribute Dir takes 2 values per element."},
+        {"g setValue EDGE Dir 0 1 x", "Error: Expected integer but got \"x\"."},
         {"g addLabelGroup Kind", "USAGE: addLabelGroup name VERTEX|EDGE|POINT..."},
-        {"g addLabel Nope 0 A 1 1 1", "Error: label group Nope not found."},
-        {"g addLabel Kind 9 A 1 1 1", "Error: label group Kind has no label with id 9."},
+        {"g addLabel Nope 0 A 1 1 1", "Error: Label group Nope not found."},
+        {"g addLabel Kind 9 A 1 1 1", "Error: Label group Kind has no label with id 9."},
         {"g getBoundingBox sideways", "USAGE: getBoundingBox ?transformed?"},
     };
     for (const Case& c : cases) {
@@ -169,4 +169,59 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
         EXPECT_TRUE(sameGraph(before, *g));
     }
     EXPECT_TRUE(fired_.empty());
+}
+
+TEST_F(KxSpatialGraphCommandsTest, QueryCommandsReadBackWhatTheBuildingCommandsSet) {
+    add(std::make_unique<KxSpatialGraph>(), "g");
+    ok("g addVertex 0 0 0; g addVertex 10 0.1 0; g addEdge 0 1 5 2 0");
+    ok("g addAttribute Dir EDGE int 2; g setValue EDGE Dir 0 -3 7");
+    ok("g addAttribute thickness POINT float; g setValue POINT thickness 0 1 0.1");
+    ok("g addAttribute mass VERTEX float; g setValue VERTEX mass 1 2.5");
+    ok("g addLabelGroup Kind EDGE; g addLabel Kind 0 Axon 1 0.5 0; g addLabel Kind 1 Bouton 0 0 1");
+    ok("g addLabel Kind 0 Dendrite 0 1 0");
+    struct Case {
+        const char* script;
+        const char* result;
+    };
+    const Case cases[] = {
+        {"g getNumVertices", "2"},
+        {"g getNumEdges", "1"},
+        {"g getNumEdgePoints", "3"},
+        {"g getNumEdgePoints 0", "3"},
+        {"g getVertex 1", "10 0.1 0"},
+        {"g getEdge 0", "0 1"},
+        {"g getEdgePoints 0", "0 0 0 5 2 0 10 0.1 0"},
+        {"g getAttributes EDGE", "{Dir int 2} {Kind int 1}"},
+        {"g getValue EDGE Dir 0", "-3 7"},
+        {"g getValue POINT thickness 0 1", "0.1"},
+        {"g getValue POINT thickness 0 2", "0"},
+        {"g getValue VERTEX mass 1", "2.5"},
+        {"g getLabelGroups", "Kind"},
+        {"g getLabelChildren Kind", "1 3"},
+        {"g getLabelChildren Kind 1", "2"},
+        {"g getLabelName Kind 2", "Bouton"},
+        {"g getLabelColor Kind 1", "1 0.5 0"},
+        {"g getLabelId Kind Dendrite", "3"},
+        {"g getLabelId Kind Soma", "-1"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.script);
+        EXPECT_EQ(ok(c.script), c.result);
+    }
+    const Case errors[] = {
+        {"g getValue POINT thickness 0",
+         "USAGE: getValue VERTEX|EDGE name index | getValue POINT name edge point"},
+        {"g getValue POINT thickness 0 3", "Error: Point 3 out of range (3)."},
+        {"g getValue EDGE Nope 0", "Error: EDGE attribute Nope not found."},
+        {"g getVertex 2", "Error: Vertex 2 out of range (2)."},
+        {"g getLabelName Kind 9", "Error: Label group Kind has no label with id 9."},
+        {"g getLabelColor Nope 1", "Error: Label group Nope not found."},
+        {"g getNumEdges 1", "USAGE: getNumEdges"},
+    };
+    for (const Case& c : errors) {
+        SCOPED_TRACE(c.script);
+        KxMessageCapture capture;
+        EXPECT_EQ(error(c.script), c.result);
+        EXPECT_EQ(capture.lines(), Lines{c.result});
+    }
 }
