@@ -116,9 +116,8 @@ int KorvaSession::loadAndDescribe(int count, char** paths) {
     int status = 0;
     for (int i = 0; i < count; ++i) {
         int errors = 0;
-        int tap = theMsg->addTap([&errors](const std::string& line) {
-            errors += line.compare(0, 7, "Error: ") == 0;
-        });
+        int tap = theMsg->addTap(
+            [&errors](const std::string& line) { errors += line.compare(0, 7, "Error: ") == 0; });
         std::vector<KxObject*> created;
         bool loaded = theFileFormats->load(paths[i], created, tcl_->pool());
         theMsg->removeTap(tap);

@@ -43,7 +43,8 @@ bool parseSize(const char* what, const char* text, int& value) {
     char* end = nullptr;
     long v = std::strtol(text, &end, 10);
     if (end == text || *end != '\0' || v < 1 || v > kMaxSize) {
-        theMsg->printf("Error: The %s must be a whole number from 1 to %d, not \"%s\".", what, kMaxSize, text);
+        theMsg->printf("Error: The %s must be a whole number from 1 to %d, not \"%s\".", what, kMaxSize,
+                       text);
         return false;
     }
     value = static_cast<int>(v);
@@ -68,8 +69,8 @@ int parseArguments(int argc, char** argv, RenderArguments& args) {
     }
     args.input = positional[0];
     args.output = positional[1];
-    if (positional.size() == 4 &&
-        (!parseSize("width", positional[2], args.width) || !parseSize("height", positional[3], args.height))) {
+    if (positional.size() == 4 && (!parseSize("width", positional[2], args.width) ||
+                                   !parseSize("height", positional[3], args.height))) {
         return 2;
     }
     if (!KxOffscreenRenderer::imageFormatOf(args.output)) {

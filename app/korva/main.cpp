@@ -51,7 +51,8 @@ bool exists(const char* path) {
 int runFileArgument(KorvaSession& session, int argc, char** argv) {
     const char* path = argv[1];
     if (!endsWith(path, ".tcl") && !exists(path)) {
-        theMsg->printf("Error: No file or subcommand named \"%s\"; \"korva --help\" lists the subcommands.", path);
+        theMsg->printf("Error: No file or subcommand named \"%s\"; \"korva --help\" lists the subcommands.",
+                       path);
         return 2;
     }
     if (endsWith(path, ".tcl") || !theFileFormats->findReader(path)) {

@@ -37,7 +37,8 @@ KorvaRun runKorva(const std::vector<std::string>& args, const KorvaRunOptions& o
     // In a sanitizer build korva's leak check must ignore third-party
     // libraries as scripts/test tells it to, also when ctest runs alone.
     if (!std::getenv("LSAN_OPTIONS")) {
-        settings.push_back("LSAN_OPTIONS=suppressions=" KORVA_SOURCE_DIR "/scripts/lsan.supp:print_suppressions=0");
+        settings.push_back("LSAN_OPTIONS=suppressions=" KORVA_SOURCE_DIR
+                           "/scripts/lsan.supp:print_suppressions=0");
     }
     if (options.testPackage) {
         settings.push_back("KORVA_PACKAGE_PATH=" KORVA_TEST_PACKAGE_DIR);

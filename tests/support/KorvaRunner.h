@@ -11,9 +11,9 @@ struct KorvaRun {
 };
 
 struct KorvaRunOptions {
-    std::string workingDir;      // empty: the test's own
-    std::string input;           // stdin (never a terminal)
-    bool testPackage = false;    // also load the test package (tests/support/testpackage)
+    std::string workingDir;                // empty: the test's own
+    std::string input;                     // stdin (never a terminal)
+    bool testPackage = false;              // also load the test package (tests/support/testpackage)
     std::vector<std::string> environment;  // extra NAME=value settings
 };
 

@@ -50,6 +50,7 @@ int KxObject::parse(Tcl_Interp* interp, int argc, char** argv) {
 }
 
 int KxObject::unknownCommand(Tcl_Interp* interp, const char* cmd) const {
-    return KxCommandReply::failf(interp, "Error: Object %s has no command \"%s\"; \"{%s} help\" lists its commands.",
+    return KxCommandReply::failf(interp,
+                                 "Error: Object %s has no command \"%s\"; \"{%s} help\" lists its commands.",
                                  getLabel(), cmd, getLabel());
 }

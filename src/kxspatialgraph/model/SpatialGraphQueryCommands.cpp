@@ -246,8 +246,9 @@ int getLabelIdCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char
     if (!group) {
         return TCL_ERROR;
     }
-    return reply(interp, Tcl_NewIntObj(group->hasLabel(String(args[1])) ? group->getLabelIdFromName(String(args[1]))
-                                                                      : -1));
+    return reply(
+        interp,
+        Tcl_NewIntObj(group->hasLabel(String(args[1])) ? group->getLabelIdFromName(String(args[1])) : -1));
 }
 
 }  // namespace

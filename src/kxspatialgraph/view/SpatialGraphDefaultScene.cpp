@@ -93,8 +93,8 @@ KxColormap SpatialGraphDefaultScene::colormapFor(const KxSpatialGraph& graph, co
         }
         return colormap;
     }
-    static const float ramp[] = {0.0f, 0.0f, 1.0f, 1.0f, 0.0f, 1.0f, 1.0f, 1.0f, 0.0f, 1.0f, 0.0f, 1.0f,
-                                 1.0f, 1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f, 1.0f};
+    static const float ramp[] = {0.0f, 0.0f, 1.0f, 1.0f, 0.0f, 1.0f, 1.0f, 1.0f, 0.0f, 1.0f,
+                                 0.0f, 1.0f, 1.0f, 1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f, 1.0f};
     float lo = 0.0f, hi = 1.0f;
     valueRange(attr, lo, hi);
     return KxColormap(5, ramp, lo, hi);
@@ -151,7 +151,8 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph, const 
 }
 
 void SpatialGraphDefaultScene::registerBuilder() {
-    theSceneBuilders->registerBuilder("KxSpatialGraph", [](KxObject* object, const KxSceneOptions& options) -> SoNode* {
-        return build(dynamic_cast<KxSpatialGraph*>(object), options.colorBy.c_str());
-    });
+    theSceneBuilders->registerBuilder(
+        "KxSpatialGraph", [](KxObject* object, const KxSceneOptions& options) -> SoNode* {
+            return build(dynamic_cast<KxSpatialGraph*>(object), options.colorBy.c_str());
+        });
 }
