@@ -36,6 +36,16 @@ int reply(Tcl_Interp* interp, Tcl_Obj* result) {
     return TCL_OK;
 }
 
+// The one index a command takes; false after its usage or error line.
+bool indexArgument(Tcl_Interp* interp, int nargs, char** args, const char* text, int count, const char* what,
+                   int& index) {
+    if (nargs != 1) {
+        KxCommandReply::usage(interp, text);
+        return false;
+    }
+    return parseIndex(interp, args[0], count, what, index);
+}
+
 // getNumVertices, getNumEdges
 int getNumVerticesCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**, const char* text) {
     return nargs ? KxCommandReply::usage(interp, text) : reply(interp, Tcl_NewIntObj(graph.getNumVertices()));
@@ -64,10 +74,7 @@ int getNumEdgePointsCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs
 // getVertex v -> x y z
 int getVertexCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     int v = 0;
-    if (nargs != 1) {
-        return KxCommandReply::usage(interp, text);
-    }
-    if (!parseIndex(interp, args[0], graph.getNumVertices(), "Vertex", v)) {
+    if (!indexArgument(interp, nargs, args, text, graph.getNumVertices(), "Vertex", v)) {
         return TCL_ERROR;
     }
     Tcl_Obj* list = Tcl_NewListObj(0, nullptr);
@@ -78,10 +85,7 @@ int getVertexCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char*
 // getEdge e -> source target
 int getEdgeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     int e = 0;
-    if (nargs != 1) {
-        return KxCommandReply::usage(interp, text);
-    }
-    if (!parseIndex(interp, args[0], graph.getNumEdges(), "Edge", e)) {
+    if (!indexArgument(interp, nargs, args, text, graph.getNumEdges(), "Edge", e)) {
         return TCL_ERROR;
     }
     Tcl_Obj* ends[2] = {Tcl_NewIntObj(graph.getEdgeSource(e)), Tcl_NewIntObj(graph.getEdgeTarget(e))};
@@ -92,10 +96,7 @@ int getEdgeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** 
 int getEdgePointsCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args,
                          const char* text) {
     int e = 0;
-    if (nargs != 1) {
-        return KxCommandReply::usage(interp, text);
-    }
-    if (!parseIndex(interp, args[0], graph.getNumEdges(), "Edge", e)) {
+    if (!indexArgument(interp, nargs, args, text, graph.getNumEdges(), "Edge", e)) {
         return TCL_ERROR;
     }
     int n = 0;
@@ -164,10 +165,15 @@ int getLabelGroupsCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, 
     return reply(interp, list);
 }
 
-// The label group named by args[0] and the label id args[1] (0, the root,
-// when withId is false); null after the error line.
-const HierarchicalLabels* findLabel(KxSpatialGraph& graph, Tcl_Interp* interp, char** args, bool withId,
-                                    int& id) {
+// The label group named by args[0] and, when withId, the label id args[1]
+// (else 0, the root), for a command of wanted arguments; null after its
+// usage or error line.
+const HierarchicalLabels* findLabel(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args,
+                                    const char* text, int wanted, bool withId, int& id) {
+    if (nargs != wanted) {
+        KxCommandReply::usage(interp, text);
+        return nullptr;
+    }
     const HierarchicalLabels* group = graph.getLabelGroup(args[0]);
     id = 0;
     if (!group) {
@@ -188,10 +194,8 @@ const HierarchicalLabels* findLabel(KxSpatialGraph& graph, Tcl_Interp* interp, c
 int getLabelChildrenCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args,
                             const char* text) {
     int id = 0;
-    if (nargs < 1 || nargs > 2) {
-        return KxCommandReply::usage(interp, text);
-    }
-    const HierarchicalLabels* group = findLabel(graph, interp, args, nargs == 2, id);
+    const HierarchicalLabels* group =
+        findLabel(graph, interp, nargs, args, text, nargs == 2 ? 2 : 1, nargs == 2, id);
     if (!group) {
         return TCL_ERROR;
     }
@@ -205,10 +209,7 @@ int getLabelChildrenCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs
 // getLabelName group id -> name
 int getLabelNameCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     int id = 0;
-    if (nargs != 2) {
-        return KxCommandReply::usage(interp, text);
-    }
-    const HierarchicalLabels* group = findLabel(graph, interp, args, true, id);
+    const HierarchicalLabels* group = findLabel(graph, interp, nargs, args, text, 2, true, id);
     String name;
     if (!group || !group->getLabelName(id, name)) {
         return TCL_ERROR;
@@ -220,10 +221,7 @@ int getLabelNameCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
 int getLabelColorCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args,
                          const char* text) {
     int id = 0;
-    if (nargs != 2) {
-        return KxCommandReply::usage(interp, text);
-    }
-    const HierarchicalLabels* group = findLabel(graph, interp, args, true, id);
+    const HierarchicalLabels* group = findLabel(graph, interp, nargs, args, text, 2, true, id);
     if (!group) {
         return TCL_ERROR;
     }
@@ -239,10 +237,7 @@ int getLabelColorCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, c
 // getLabelId group name -> id, -1 if the group has no label of that name
 int getLabelIdCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     int id = 0;
-    if (nargs != 2) {
-        return KxCommandReply::usage(interp, text);
-    }
-    const HierarchicalLabels* group = findLabel(graph, interp, args, false, id);
+    const HierarchicalLabels* group = findLabel(graph, interp, nargs, args, text, 2, false, id);
     if (!group) {
         return TCL_ERROR;
     }

@@ -130,7 +130,6 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsMakeAConsistentGraph) {
     EXPECT_EQ(g->findEdgePointAttribute("Width")->getFloatDataAtPoint(0, 1), 0.25f);
     ASSERT_NE(g->findVertexAttribute("Kind"), nullptr);
     EXPECT_EQ(g->getLabelId(g->findEdgeAttribute("Kind"), "Bouton"), 2);
-    EXPECT_NE(ok("g help").find("merge otherDataSet\n"), std::string::npos);
 }
 
 TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChanges) {
