@@ -12,6 +12,7 @@
 #include <tcl.h>
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxParamBundle.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
@@ -246,13 +247,18 @@ int addLabelCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
     if (nargs != 6) {
         return usage(interp, text);
     }
-    if (!graph.getLabelGroup(args[0])) {
+    HierarchicalLabels* labels = graph.getLabelGroup(args[0]);
+    if (!labels) {
         return fail(interp, String::format("Error: label group %s not found.", args[0]));
     }
     if (Tcl_GetInt(interp, args[1], &parentId) != TCL_OK || !parseFloats(interp, 3, args + 3, rgb)) {
         return badNumber(interp);
     }
-    int id = graph.addLabel(args[0], parentId, args[2], SbColor(rgb));
+    int id = labels->addLabel(parentId, args[2], SbColor(rgb));
+    if (id < 0 && labels->getLabelBundle(parentId)) {
+        return fail(interp,
+                    String::format("Error: labels nest at most %d levels deep.", KxParamBundle::kMaxDepth));
+    }
     if (id < 0) {
         return fail(interp,
                     String::format("Error: label group %s has no label with id %d.", args[0], parentId));

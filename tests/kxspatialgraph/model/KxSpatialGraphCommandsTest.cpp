@@ -137,6 +137,8 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
     KxSpatialGraph* g = add(makeChain(2), "g");
     ok("g addAttribute Dir EDGE int 2");
     ok("g addLabelGroup Kind VERTEX");
+    // Labels 1..98 each under the one before: the deepest a label may nest.
+    ok("for {set i 0} {$i < 98} {incr i} {g addLabel Kind $i L$i 1 1 1}");
     GraphSnapshot before = takeSnapshot(*g);
     fired_.clear();
 
@@ -158,7 +160,8 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
         {"g setValue EDGE Dir 0 1 x", "Error: expected integer but got \"x\""},
         {"g addLabelGroup Kind", "USAGE: addLabelGroup name VERTEX|EDGE|POINT..."},
         {"g addLabel Nope 0 A 1 1 1", "Error: label group Nope not found."},
-        {"g addLabel Kind 9 A 1 1 1", "Error: label group Kind has no label with id 9."},
+        {"g addLabel Kind 99 A 1 1 1", "Error: label group Kind has no label with id 99."},
+        {"g addLabel Kind 98 A 1 1 1", "Error: labels nest at most 100 levels deep."},
         {"g getBoundingBox sideways", "USAGE: getBoundingBox ?transformed?"},
     };
     for (const Case& c : cases) {
