@@ -197,15 +197,20 @@ int quitCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
     return TCL_OK;
 }
 
+template <Tcl_ObjCmdProc* Command>
+int guarded(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    return KxTclInterpreter::guard(interp, [&] { return Command(cd, interp, objc, objv); });
+}
+
 }  // namespace
 
 void installConsoleCommands(KxTclInterpreter& tcl) {
     Tcl_Interp* interp = tcl.interp();
-    Tcl_CreateObjCommand(interp, "load", loadCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "save", saveCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "remove", removeCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "all", allCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "create", createCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "help", helpCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "quit", quitCmd, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "load", guarded<loadCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "save", guarded<saveCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "remove", guarded<removeCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "all", guarded<allCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "create", guarded<createCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "help", guarded<helpCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "quit", guarded<quitCmd>, &tcl, nullptr);
 }

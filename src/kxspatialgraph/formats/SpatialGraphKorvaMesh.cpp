@@ -90,7 +90,7 @@ bool pointCountsFit(const GraphArrays& a, const char* filename) {
 
 // Copies as many bytes of src as both the attribute and the array hold.
 void copyValues(GraphAttribute* attribute, const void* src, size_t srcBytes) {
-    size_t bytes = static_cast<size_t>(attribute->size()) * static_cast<size_t>(attribute->getElementSize());
+    size_t bytes = static_cast<size_t>(attribute->size()) * attribute->getElementSize();
     if (attribute->size() > 0 && srcBytes > 0) {
         std::memcpy(attribute->dataPtr(), src, std::min(bytes, srcBytes));
     }
@@ -211,8 +211,7 @@ void addSplitAttribute(KxSpatialGraph* graph, const KorvaMesh::Data* d, const ch
     onVertices = graph->addAttribute(name, KxSpatialGraph::VERTEX, d->getPrimType(), d->getNumComponents());
     onEdges = graph->addAttribute(name, KxSpatialGraph::EDGE, d->getPrimType(), d->getNumComponents());
     const char* src = static_cast<const char*>(d->getValues());
-    size_t vertexBytes =
-        static_cast<size_t>(onVertices->size()) * static_cast<size_t>(onVertices->getElementSize());
+    size_t vertexBytes = static_cast<size_t>(onVertices->size()) * onVertices->getElementSize();
     copyValues(onVertices, src, d->getNumBytes());
     if (d->getNumBytes() > vertexBytes) {
         copyValues(onEdges, src + vertexBytes, d->getNumBytes() - vertexBytes);

@@ -15,6 +15,7 @@
 #include "korva/core/KxParamBundle.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
+#include "korva/korvamesh/KorvaMesh.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/PointAttribute.h"
@@ -159,9 +160,11 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
     if (!isInt && std::strcmp(args[2], "float") != 0) {
         return usage(interp, text);
     }
-    if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1)) {
-        return fail(interp,
-                    String::format("Error: nDataVar must be a positive number, not \"%s\".", args[3]));
+    // The same bound as attributes read from files.
+    if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1 ||
+                       nDataVar > KorvaMesh::kMaxComponents)) {
+        return fail(interp, String::format("Error: nDataVar must be a number from 1 to %d, not \"%s\".",
+                                           KorvaMesh::kMaxComponents, args[3]));
     }
     graph.addAttribute(args[0], loc, isInt ? PrimType::INT32 : PrimType::FLOAT32, nDataVar);
     graph.touch(KxData::NEW_DATA);
@@ -196,7 +199,7 @@ int setValueCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
                                            a->getNumDataVar()));
     }
     // All components are read before the value is touched.
-    std::vector<unsigned char> value(static_cast<size_t>(a->getElementSize()));
+    std::vector<unsigned char> value(a->getElementSize());
     for (int i = 0; i < a->getNumDataVar(); ++i) {
         char* word = args[firstValue + i];
         bool ok = false;

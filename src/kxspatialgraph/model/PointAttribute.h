@@ -69,9 +69,7 @@ public:
     void setFloatDataAtPoint(float v, int e, int p) { *floatDataAtPoint(e, p) = v; }
 
 private:
-    size_t elementBytes(int n) const {
-        return static_cast<size_t>(n) * static_cast<size_t>(getElementSize());
-    }
+    size_t elementBytes(int n) const { return static_cast<size_t>(n) * getElementSize(); }
     size_t byteOffset(int e, int p) const { return elementBytes(offsets_[e] + p); }
     // Resizes the buffer to total values with the growth rule of the graph's arrays.
     void resizeValues(int total);
