@@ -59,7 +59,33 @@ KxTclInterpreter& session(ClientData cd) {
     return *static_cast<KxTclInterpreter*>(cd);
 }
 
+// Tcl's own load, renamed aside when the console commands are installed.
+constexpr const char* kTclLoad = "::korva::tclLoad";
+
+// Whether a load call is meant for Tcl: its options (-global, -lazy, --), a
+// static package (empty file name) or a shared library such as a binary
+// extension, e.g. from `package require Tk`.
+bool isTclLoad(Tcl_Interp* interp, Tcl_Obj* firstArgument) {
+    std::string file = Tcl_GetString(firstArgument);
+    if (file.empty() || file[0] == '-') {
+        return true;
+    }
+    std::string ext =
+        Tcl_Eval(interp, "info sharedlibextension") == TCL_OK ? Tcl_GetStringResult(interp) : ".so";
+    Tcl_ResetResult(interp);
+    return file.size() > ext.size() && (file.compare(file.size() - ext.size(), ext.size(), ext) == 0 ||
+                                        file.find(ext + ".") != std::string::npos);
+}
+
 int loadCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc >= 2 && isTclLoad(interp, objv[1])) {
+        std::vector<Tcl_Obj*> call(objv, objv + objc);
+        call[0] = Tcl_NewStringObj(kTclLoad, -1);
+        Tcl_IncrRefCount(call[0]);
+        int result = Tcl_EvalObjv(interp, objc, call.data(), 0);
+        Tcl_DecrRefCount(call[0]);
+        return result;
+    }
     if (objc < 2) {
         return usage(interp, "load FILE ?FILE ...?");
     }
@@ -206,6 +232,11 @@ int guarded(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
 
 void installConsoleCommands(KxTclInterpreter& tcl) {
     Tcl_Interp* interp = tcl.interp();
+    Tcl_CmdInfo info;
+    if (!Tcl_GetCommandInfo(interp, kTclLoad, &info)) {
+        Tcl_Eval(interp, "namespace eval ::korva {}");
+        Tcl_Eval(interp, (std::string("rename load ") + kTclLoad).c_str());
+    }
     Tcl_CreateObjCommand(interp, "load", guarded<loadCmd>, &tcl, nullptr);
     Tcl_CreateObjCommand(interp, "save", guarded<saveCmd>, &tcl, nullptr);
     Tcl_CreateObjCommand(interp, "remove", guarded<removeCmd>, &tcl, nullptr);

@@ -197,20 +197,10 @@ bool KxFileFormatRegistry::save(const KxFileFormat& format, KxData* data, const 
                        data->getTypeName());
         return false;
     }
-    // The temporary file keeps the target's extension: writers may look at it.
-    std::string target = filename;
-    size_t slash = target.rfind('/');
-    std::string dir = slash == std::string::npos ? "" : target.substr(0, slash + 1);
-    std::string temp = dir + ".korva-save-" + std::to_string(getpid()) + "-" +
-                       target.substr(slash == std::string::npos ? 0 : slash + 1);
-    if (!format.write(data, temp.c_str())) {
-        std::remove(temp.c_str());
+    // The writer gets the user's file name (for its progress and messages)
+    // and replaces the file safely itself: one temporary file, one rename.
+    if (!format.write(data, filename)) {
         theMsg->printf("Error: could not write %s as %s", filename, format.name.c_str());
-        return false;
-    }
-    if (std::rename(temp.c_str(), filename) != 0) {
-        theMsg->printf("Error: cannot replace %s: %s", filename, std::strerror(errno));
-        std::remove(temp.c_str());
         return false;
     }
     data->setSaveInfoParam(format.name.c_str());

@@ -143,6 +143,15 @@ TEST_F(KxTclInterpreterTest, LoadOfUnknownFilesFailsWithTheErrorLine) {
     EXPECT_EQ(capture.lines(), std::vector<std::string>{
                                    "Error: cannot read file /no/such/file.swc: No such file or directory"});
     EXPECT_EQ(ok("catch {load} msg; set msg"), "USAGE: load FILE ?FILE ...?\n");
+    // Shared libraries and Tcl's own argument forms go to Tcl's load.
+    const char* tclCalls[] = {"load /no/such/libx.so", "load /no/such/libx.so.1 X",
+                              "load -global /no/libx.so", "load {} NoSuchStaticPackage"};
+    for (const char* script : tclCalls) {
+        SCOPED_TRACE(script);
+        std::string message = error(script);
+        EXPECT_EQ(message.find("Error: "), std::string::npos) << message;
+        EXPECT_NE(message.find("load"), std::string::npos) << message;
+    }
     EXPECT_EQ(error("save Nothing x y"), "Error: unknown file format \"Nothing\"");
 }
 
