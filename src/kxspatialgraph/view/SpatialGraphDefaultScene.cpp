@@ -61,9 +61,11 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
             node.setTubeConstantColor(SbColor(0.8f, 0.8f, 0.8f));
             node.setTubeColorAttribute(nullptr);
         } else {
-            theMsg->printf(
-                "SpatialGraphView: Crucial OpenGL features are missing! Falling back to legacy tube "
-                "rendering ...");
+            if (!KxGLCapabilities::legacyForced()) {
+                theMsg->printf(
+                    "SpatialGraphView: Crucial OpenGL features are missing! Falling back to legacy tube "
+                    "rendering ...");
+            }
             // The legacy profile has radius 0.5: twice the scale gives the same tubes.
             node.makeTubes(&visible, nullptr, thickness, 2.0f * scale, false);
         }
