@@ -63,7 +63,7 @@ void fillRandomValues(KxSpatialGraph& g, Rng& rng) {
         for (int k = 0; k < g.numAttributes(location); ++k) {
             GraphAttribute* a = g.attribute(location, k);
             auto* bytes = static_cast<unsigned char*>(a->dataPtr());
-            for (int i = 0; i < a->size() * a->getElementSize(); ++i) {
+            for (size_t i = 0; i < a->size() * a->getElementSize(); ++i) {
                 bytes[i] = static_cast<unsigned char>(pick(rng, 256));
             }
         }
