@@ -26,12 +26,12 @@ public:
     static ContextGroup* prepareContext(SoTubeSet& t, int contextId, bool* created = nullptr) {
         return t.prepareContext(contextId, created);
     }
-    static void forgetContext(SoTubeSet& t, int contextId) { t.forgetContext(contextId); }
     static int numContextGroups(const SoTubeSet& t) { return t.getNumContextGroups(); }
     static ContextGroup* contextGroup(const SoTubeSet& t, int contextId) {
         return t.findContextGroup(contextId);
     }
-    // What Coin calls when a context dies, with that context current.
+    // What Coin calls when a context dies, with that context current. A
+    // record that never rendered is dropped without any GL call.
     static void destroyContext(SoTubeSet& t, int contextId) {
         SoTubeSet::contextDestroyedCB(static_cast<uint32_t>(contextId), &t);
     }

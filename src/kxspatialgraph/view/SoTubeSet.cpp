@@ -224,11 +224,6 @@ SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* create
     return group.get();
 }
 
-void SoTubeSet::forgetContext(int contextId) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    contexts_.erase(contextId);
-}
-
 int SoTubeSet::getNumContextGroups() const {
     std::lock_guard<std::mutex> lock(mutex_);
     return static_cast<int>(contexts_.size());

@@ -17,6 +17,7 @@
 
 class KxColormap;
 class KxShaderProgram;
+class SoState;
 
 // Draws every line of a spatial graph as a shaded tube around its polyline,
 // closed by caps, on the GPU. The surface is generated once on the CPU as
@@ -131,9 +132,8 @@ private:
     // Context bookkeeping (no GL needed). prepareContext finds or creates the
     // record of a context and moves the node's dirty flags into every record;
     // null when there is nothing to draw (no lines), and then no record is
-    // made. forgetContext drops a record without touching GL.
+    // made.
     GLContextGroup* prepareContext(int contextId, bool* created = nullptr);
-    void forgetContext(int contextId);
     int getNumContextGroups() const;
     GLContextGroup* findContextGroup(int contextId) const;
 
@@ -163,6 +163,8 @@ private:
     void GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms& programs);
     void GLBindCapArrays(const GLContextGroup& group, const DrawPrograms& programs);
     static void GLDisableArrays();
+    // Program, texture and buffers off; Coin told that the current colour changed.
+    static void GLRestoreState(SoState* state, const DrawPrograms& programs);
     // Draws the lines in their own colours, then (per-point colours only)
     // the highlighted ones with the constant-colour variant of the program.
     void GLDrawPasses(int contextId, const DrawPrograms& programs, void (SoTubeSet::*render)(LinePass));

@@ -143,6 +143,10 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
         GLDrawPasses(contextId, programs, &SoTubeSet::GLRenderCaps);
         GLDisableArrays();
     }
+    GLRestoreState(state, programs);
+}
+
+void SoTubeSet::GLRestoreState(SoState* state, const DrawPrograms& programs) {
     if (programs.perPointColor) {
         glBindTexture(GL_TEXTURE_1D, 0);
     }

@@ -163,13 +163,13 @@ TEST(SoTubeSetRenderTest, OneRecordPerContextAndDestroyedContextsForgotten) {
     ASSERT_TRUE(first->render(scene.root));
     ASSERT_TRUE(second->render(scene.root));
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 2);
-    EXPECT_TRUE(SoTubeSetTestAccess::contextGroup(*scene.tubes,
-                                                  static_cast<int>(first->getCacheContextId())) != nullptr);
+    int firstId = static_cast<int>(first->getCacheContextId());
     int secondId = static_cast<int>(second->getCacheContextId());
-    EXPECT_TRUE(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId) != nullptr);
+    EXPECT_NE(SoTubeSetTestAccess::contextGroup(*scene.tubes, firstId), nullptr);
+    EXPECT_NE(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId), nullptr);
     second.reset();
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 1);
-    EXPECT_FALSE(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId) != nullptr);
+    EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId), nullptr);
     // Rendering again in the surviving context uploads nothing new and still draws.
     ASSERT_TRUE(first->render(scene.root));
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 1);

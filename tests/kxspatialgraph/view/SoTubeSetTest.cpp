@@ -73,8 +73,8 @@ TEST(SoTubeSetTest, TubeStripRunsBandByBandAlternatingDirection) {
 
 TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
     SoTubeSet* tubes = makeTubeSet();
-    EXPECT_EQ(SoTubeSetTestAccess::prepareContext(*tubes, 7),
-              nullptr);  // no lines: nothing to draw, no record
+    // No lines: nothing to draw, no record.
+    EXPECT_EQ(SoTubeSetTestAccess::prepareContext(*tubes, 7), nullptr);
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*tubes), 0);
 
     const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0)};
@@ -105,10 +105,10 @@ TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
     tubes->setColormap(blueToRed());
     EXPECT_TRUE(first->colormapDirty);
 
-    SoTubeSetTestAccess::forgetContext(*tubes, 7);
-    EXPECT_FALSE(SoTubeSetTestAccess::contextGroup(*tubes, 7) != nullptr);
-    EXPECT_TRUE(SoTubeSetTestAccess::contextGroup(*tubes, 8) != nullptr);
-    SoTubeSetTestAccess::forgetContext(*tubes, 8);
+    SoTubeSetTestAccess::destroyContext(*tubes, 7);
+    EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*tubes, 7), nullptr);
+    EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*tubes, 8), second);
+    SoTubeSetTestAccess::destroyContext(*tubes, 8);
     tubes->unref();
 }
 
