@@ -644,7 +644,7 @@ bool KorvaMeshReader::parseAsciiValues(const ArrayEntry& e, T* out) {
             }
             return fail("line %d: bad %s value \"%s\" (value %llu of array \"%s\")%s.", lineAt(p),
                         e.type.getName(), printable(std::string(p, stop)).c_str(),
-                        static_cast<unsigned long long>(k + 1), printable(e.name).c_str(),
+                        static_cast<unsigned long long>(k) + 1, printable(e.name).c_str(),
                         r.ec == std::errc::result_out_of_range ? ": out of range" : "");
         }
         p = r.ptr;

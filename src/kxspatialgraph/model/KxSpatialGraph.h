@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include <Inventor/SbColor.h>
 
 #include "korva/base/Box3f.h"
@@ -368,8 +371,20 @@ private:
     // Replaces every edge end v in 0 .. map size - 1 by map[v].
     void mapEdgeEnds(const DArray<int>& map);
     void attachEdge(int e, int v);
-    // Prints the end-point error of isConsistent() when point is farther than
-    // the tolerance from vertex v; end is "source" or "target".
+    // The checks of isConsistent(), one per invariant (KxSpatialGraphReports.cpp).
+    bool checkEdgeEndsInRange() const;
+    bool checkIncidenceLists() const;
+    bool checkEdgePointCounts() const;
+    bool checkEndPointsMeetVertices() const;
+    bool checkValueCounts(const DArray<EdgeVertexAttribute*>& list, int count, const char* elements,
+                          const char* element) const;
+    bool checkPointValueCounts() const;
+    int incidenceMultiplicity(int e, int v) const;
+    std::vector<int> expectedDegrees() const;
+    bool incidenceListMatches(int v, int degree, std::vector<uint8_t>& counts) const;
+    void reportIncidenceFaults(const std::vector<int>& faulty, const std::vector<int>& degree) const;
+    // Prints the end-point error when point is farther than the tolerance
+    // from vertex v; end is "source" or "target".
     bool endPointMatches(const char* end, int v, int e, const Vec3f& point) const;
     void detachEdge(int e, int v);
 

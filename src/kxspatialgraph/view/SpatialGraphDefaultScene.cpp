@@ -55,7 +55,7 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
         root = node.getSpatialGraphNode();
         root->ref();
         if (KxGLCapabilities::hasShadersAndBuffers()) {
-            node.makeTubes2(&visible);
+            node.makeGpuTubes(&visible);
             node.setTubeScaleAttribute(thickness);
             node.setTubeScaleFactor(scale);
             node.setTubeConstantColor(SbColor(0.8f, 0.8f, 0.8f));
@@ -67,7 +67,7 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
                     "rendering ...");
             }
             // The legacy profile has radius 0.5: twice the scale gives the same tubes.
-            node.makeTubes(&visible, nullptr, thickness, 2.0f * scale, false);
+            node.makeLegacyTubes(&visible, nullptr, thickness, 2.0f * scale, false);
         }
     }
     root->unrefNoDelete();
