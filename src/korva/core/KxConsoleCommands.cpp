@@ -13,6 +13,7 @@
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "korva/core/KxUndoCommands.h"
 
 namespace {
 
@@ -208,4 +209,5 @@ void installConsoleCommands(KxTclInterpreter& tcl) {
     Tcl_CreateObjCommand(interp, "create", createCmd, &tcl, nullptr);
     Tcl_CreateObjCommand(interp, "help", helpCmd, &tcl, nullptr);
     Tcl_CreateObjCommand(interp, "quit", quitCmd, &tcl, nullptr);
+    installUndoCommands(tcl);
 }
