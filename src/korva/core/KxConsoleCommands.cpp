@@ -162,6 +162,7 @@ std::string helpText() {
         "  remove OBJECT ?...?      remove objects (remove -all: every object)\n"
         "  all ?CLASS?              labels of the objects in the pool\n"
         "  create CLASS ?LABEL?     create an object of a registered class\n"
+        "  undo, redo               take back or repeat the newest edit of the session\n"
         "  help                     this text\n"
         "  quit ?CODE?              end the session\n"
         "  {label} command ?args?   a command of an object (try {label} info)\n";
