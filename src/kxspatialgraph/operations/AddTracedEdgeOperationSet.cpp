@@ -22,8 +22,11 @@ AddTracedEdgeOperationSet::AddTracedEdgeOperationSet(KxSpatialGraph* graph, cons
     : OperationSet(graph, highlighted, visible), points_(points), radii_(radii), start_(start) {}
 
 void AddTracedEdgeOperationSet::exec() {
-    newVertex_ = -1;
-    createdThicknessId_ = -1;
+    OperationSet::exec();
+    storeRadii();
+}
+
+void AddTracedEdgeOperationSet::build() {
     int numPoints = highlighted_.getNumSelectedPoints();
     SpatialGraphPoint first;
     for (int i = 0; i < numPoints; ++i) {
@@ -54,10 +57,10 @@ void AddTracedEdgeOperationSet::exec() {
     ConnectOperation* connect = new ConnectOperation(graph_, ends, working());
     connect->setEdgePoints(points_);
     run(connect);
-    storeRadii();
 }
 
 void AddTracedEdgeOperationSet::storeRadii() {
+    createdThicknessId_ = -1;
     PointAttribute* thickness = graph_->findEdgePointAttribute("thickness");
     if (!thickness) {
         thickness = static_cast<PointAttribute*>(

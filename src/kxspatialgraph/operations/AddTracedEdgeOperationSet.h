@@ -21,9 +21,13 @@ public:
                               const DArray<float>& radii, const SpatialGraphSelection& highlighted,
                               const SpatialGraphSelection& visible);
 
+    // Runs the sub-operations, then stores the radii.
     void exec() override;
     // Also deletes the "thickness" attribute when this set created it.
     void undo() override;
+
+protected:
+    void build() override;
 
 private:
     void storeRadii();

@@ -12,7 +12,7 @@ AddVertexAndConnectOperationSet::AddVertexAndConnectOperationSet(KxSpatialGraph*
       points_(points ? *points : DArray<Vec3f>()),
       radii_(radii ? *radii : DArray<float>()) {}
 
-void AddVertexAndConnectOperationSet::exec() {
+void AddVertexAndConnectOperationSet::build() {
     SpatialGraphSelection none(graph_);
     newVertex_ = run(new AddVertexOperation(graph_, position_, none, working()))->getNewVertexNum();
     traceFromSelectionTo(newVertex_, points_, radii_);

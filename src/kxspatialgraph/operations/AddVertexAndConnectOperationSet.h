@@ -13,7 +13,9 @@ public:
     AddVertexAndConnectOperationSet(KxSpatialGraph* graph, const Vec3f& position, const DArray<Vec3f>* points,
                                     const DArray<float>* radii, const SpatialGraphSelection& highlighted,
                                     const SpatialGraphSelection& visible);
-    void exec() override;
+
+protected:
+    void build() override;
 
 private:
     Vec3f position_;

@@ -11,7 +11,7 @@ ConnectPointToPointOperationSet::ConnectPointToPointOperationSet(KxSpatialGraph*
       points_(points ? *points : DArray<Vec3f>()),
       radii_(radii ? *radii : DArray<float>()) {}
 
-void ConnectPointToPointOperationSet::exec() {
+void ConnectPointToPointOperationSet::build() {
     SpatialGraphPoint second = highlighted_.getNumSelectedPoints() >= 2 ? selectedPoint(1) : point_;
     int a = convertPointToVertex(selectedPoint(0));
     if (a < 0) {

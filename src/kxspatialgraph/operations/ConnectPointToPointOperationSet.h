@@ -16,7 +16,9 @@ public:
                                     const DArray<Vec3f>* points, const DArray<float>* radii,
                                     const SpatialGraphSelection& highlighted,
                                     const SpatialGraphSelection& visible);
-    void exec() override;
+
+protected:
+    void build() override;
 
 private:
     SpatialGraphPoint point_;

@@ -2,7 +2,7 @@
 
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 
-void ConnectPointToVertexOperationSet::exec() {
+void ConnectPointToVertexOperationSet::build() {
     int u = highlighted_.getSelectedVertex(0);
     int newVertex = convertPointToVertex(selectedPoint(0));
     if (u < 0 || newVertex < 0) {

@@ -9,5 +9,7 @@
 class ConnectPointToVertexOperationSet : public OperationSet {
 public:
     using OperationSet::OperationSet;
-    void exec() override;
+
+protected:
+    void build() override;
 };

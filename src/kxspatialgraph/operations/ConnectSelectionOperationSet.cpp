@@ -20,7 +20,7 @@ DArray<int> endVertices(const KxSpatialGraph& graph, const SpatialGraphSelection
 
 }  // namespace
 
-void ConnectSelectionOperationSet::exec() {
+void ConnectSelectionOperationSet::build() {
     SpatialGraphSelection w = graph_->getConnectedComponentFromSelection(highlighted_);
     theMsg->printf("Number of components in selection: %d", graph_->getNumComponentsInSelection(w));
     while (graph_->getNumComponentsInSelection(w) >= 2) {

@@ -10,5 +10,7 @@
 class ConnectSelectionOperationSet : public OperationSet {
 public:
     using OperationSet::OperationSet;
-    void exec() override;
+
+protected:
+    void build() override;
 };

@@ -7,7 +7,7 @@ ConnectTracedPointToVertexOperationSet::ConnectTracedPointToVertexOperationSet(
       points_(points ? *points : DArray<Vec3f>()),
       radii_(radii ? *radii : DArray<float>()) {}
 
-void ConnectTracedPointToVertexOperationSet::exec() {
+void ConnectTracedPointToVertexOperationSet::build() {
     int vertex = highlighted_.getSelectedVertex(0);
     int newVertex = convertPointToVertex(selectedPoint(0));
     if (newVertex >= 0) {

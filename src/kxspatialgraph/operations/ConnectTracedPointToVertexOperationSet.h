@@ -13,9 +13,9 @@ public:
                                            const DArray<float>* radii,
                                            const SpatialGraphSelection& highlighted,
                                            const SpatialGraphSelection& visible);
-    void exec() override;
 
 protected:
+    void build() override;
     DArray<Vec3f> points_;
     DArray<float> radii_;
 };

@@ -14,7 +14,7 @@ MoveVertexOperationSet::MoveVertexOperationSet(KxSpatialGraph* graph, int vertex
       edges_(edges),
       polylines_(polylines) {}
 
-void MoveVertexOperationSet::exec() {
+void MoveVertexOperationSet::build() {
     run(new MoveOperation(graph_, vertex_, position_, selectionOfVertices(vertex_), working()));
     for (int i = 0; i < edges_.size() && i < polylines_.size(); ++i) {
         SpatialGraphSelection edge(graph_);

@@ -14,9 +14,11 @@ public:
     MoveVertexOperationSet(KxSpatialGraph* graph, int vertex, const Vec3f& position,
                            const SmallArray<int, 2>& edges, const DArray<DArray<Vec3f>>& polylines,
                            const SpatialGraphSelection& highlighted, const SpatialGraphSelection& visible);
-    void exec() override;
     SpatialGraphSelection getHighlightSelectionAfterOperation() const override { return highlighted_; }
     SpatialGraphSelection getVisibleSelectionAfterOperation() const override { return visible_; }
+
+protected:
+    void build() override;
 
 private:
     int vertex_;

@@ -3,7 +3,7 @@
 #include "korva/core/KxMessageConsole.h"
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 
-void MultipleVerticesToPointsOperationSet::exec() {
+void MultipleVerticesToPointsOperationSet::build() {
     int converted = 0;
     for (int v = highlighted_.getNumVertices() - 1; v >= 0; --v) {
         if (!highlighted_.isSelectedVertex(v) || !canConvertToPoint(v)) {

@@ -9,5 +9,7 @@
 class MultipleVerticesToPointsOperationSet : public OperationSet {
 public:
     using OperationSet::OperationSet;
-    void exec() override;
+
+protected:
+    void build() override;
 };

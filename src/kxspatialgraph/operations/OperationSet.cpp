@@ -17,14 +17,20 @@ OperationSet::~OperationSet() {
     }
 }
 
+void OperationSet::exec() {
+    if (operations_.isEmpty()) {
+        build();
+        return;
+    }
+    for (int i = 0; i < operations_.size(); ++i) {
+        operations_[i]->exec();
+    }
+}
+
 void OperationSet::undo() {
     for (int i = operations_.size() - 1; i >= 0; --i) {
         operations_[i]->undo();
     }
-    for (int i = 0; i < operations_.size(); ++i) {
-        delete operations_[i];
-    }
-    operations_.clear();
 }
 
 SpatialGraphSelection OperationSet::getVisibleSelectionAfterOperation() const {
@@ -71,7 +77,7 @@ void OperationSet::traceFromSelectionTo(int vertex, const DArray<Vec3f>& points,
     if (selected >= 0) {
         addTracedEdge(selected, vertex, points, radii);
     } else if (highlighted_.getNumSelectedPoints() > 0) {
-        SpatialGraphSelection ends = selectionOfPoint(highlighted_.getSelectedPoint(0));
+        SpatialGraphSelection ends = selectionOfPoint(selectedPoint(0));
         ends.selectVertex(vertex);
         run(new ConnectTracedPointToVertexOperationSet(graph_, &points, &radii, ends, working()));
     }

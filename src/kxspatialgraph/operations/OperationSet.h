@@ -5,17 +5,24 @@
 #include "kxspatialgraph/model/SpatialGraphPoint.h"
 #include "kxspatialgraph/operations/Operation.h"
 
-// An edit made of other operations, undone in one step. exec() of a subclass
-// creates the sub-operations and runs them one after another, each on the
-// graph as the previous one left it and with the previous one's visible
-// selection; undo() reverts them newest first and deletes them, so the next
-// exec() builds a fresh list from the stored arguments.
+// An edit made of other operations, undone in one step. The first exec()
+// lets the subclass's build() create the sub-operations and run them one
+// after another, each on the graph as the previous one left it and with the
+// previous one's visible selection; undo() reverts them newest first.
+//
+// Deliberate: undo keeps the sub-operations and the next exec() runs the same
+// ones again instead of building a fresh list. An undo may leave a vertex's
+// edges in another incidence order, and a rebuilt conversion of that vertex
+// would join its edges the other way round; the kept sub-operations repeat
+// the first exec exactly. They are deleted with the set.
 class OperationSet : public Operation {
 public:
     OperationSet(KxSpatialGraph* graph, const SpatialGraphSelection& highlighted,
                  const SpatialGraphSelection& visible);
     ~OperationSet() override;
 
+    // build() the first time, afterwards the kept sub-operations again.
+    void exec() override;
     void undo() override;
     // The last sub-operation's; a copy of the given visible selection when none ran.
     SpatialGraphSelection getVisibleSelectionAfterOperation() const override;
@@ -28,6 +35,9 @@ public:
     int getNumOperations() const { return operations_.size(); }
 
 protected:
+    // Creates and runs the sub-operations with run(); called by the first exec().
+    virtual void build() = 0;
+
     // Appends op, runs it and takes its visible selection after the edit as
     // the working visible selection. Answers op.
     template <class Op>

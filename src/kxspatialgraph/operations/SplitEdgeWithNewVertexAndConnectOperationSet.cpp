@@ -13,7 +13,7 @@ SplitEdgeWithNewVertexAndConnectOperationSet::SplitEdgeWithNewVertexAndConnectOp
       points_(points ? *points : DArray<Vec3f>()),
       radii_(radii ? *radii : DArray<float>()) {}
 
-void SplitEdgeWithNewVertexAndConnectOperationSet::exec() {
+void SplitEdgeWithNewVertexAndConnectOperationSet::build() {
     SpatialGraphSelection onEdge = selectionOfPoint(SpatialGraphPoint(edge_, pointIndex_));
     newVertex_ =
         run(new SplitEdgeWithNewVertexOperationSet(graph_, position_, edge_, pointIndex_, onEdge, working()))

@@ -17,7 +17,9 @@ public:
                                                  const DArray<float>* radii,
                                                  const SpatialGraphSelection& highlighted,
                                                  const SpatialGraphSelection& visible);
-    void exec() override;
+
+protected:
+    void build() override;
 
 private:
     Vec3f position_;

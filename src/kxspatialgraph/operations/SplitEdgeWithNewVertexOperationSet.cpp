@@ -7,7 +7,7 @@ SplitEdgeWithNewVertexOperationSet::SplitEdgeWithNewVertexOperationSet(
     const SpatialGraphSelection& highlighted, const SpatialGraphSelection& visible)
     : OperationSet(graph, highlighted, visible), position_(position), edge_(edge), pointIndex_(pointIndex) {}
 
-void SplitEdgeWithNewVertexOperationSet::exec() {
+void SplitEdgeWithNewVertexOperationSet::build() {
     SpatialGraphPoint at(edge_, pointIndex_);
     DArray<Vec3f> inserted;
     inserted.append(position_);

@@ -11,9 +11,11 @@ public:
     SplitEdgeWithNewVertexOperationSet(KxSpatialGraph* graph, const Vec3f& position, int edge, int pointIndex,
                                        const SpatialGraphSelection& highlighted,
                                        const SpatialGraphSelection& visible);
-    void exec() override;
     // The vertex the last exec created; -1 when the split did not happen.
     int getNewVertexNum() const { return newVertex_; }
+
+protected:
+    void build() override;
 
 private:
     Vec3f position_;
