@@ -21,25 +21,22 @@ void KxUndoStack::push(std::unique_ptr<KxUndoableCommand> command) {
 }
 
 const KxUndoableCommand* KxUndoStack::undo() {
-    if (undo_.empty()) {
-        return nullptr;
-    }
-    Entry command = std::move(undo_.back());
-    undo_.pop_back();
-    run(*command, false);
-    redo_.push_back(std::move(command));
-    return redo_.back().get();
+    return step(undo_, redo_, false);
 }
 
 const KxUndoableCommand* KxUndoStack::redo() {
-    if (redo_.empty()) {
+    return step(redo_, undo_, true);
+}
+
+const KxUndoableCommand* KxUndoStack::step(std::deque<Entry>& from, std::deque<Entry>& to, bool forward) {
+    if (from.empty()) {
         return nullptr;
     }
-    Entry command = std::move(redo_.back());
-    redo_.pop_back();
-    run(*command, true);
-    undo_.push_back(std::move(command));
-    return undo_.back().get();
+    Entry command = std::move(from.back());
+    from.pop_back();
+    run(*command, forward);
+    to.push_back(std::move(command));
+    return to.back().get();
 }
 
 void KxUndoStack::setMaxDepth(int maxDepth) {

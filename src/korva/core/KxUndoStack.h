@@ -3,7 +3,6 @@
 #include <deque>
 #include <memory>
 #include <unordered_map>
-#include <vector>
 
 #include "korva/core/KxUndoableCommand.h"
 
@@ -48,6 +47,8 @@ public:
 private:
     using Entry = std::unique_ptr<KxUndoableCommand>;
 
+    // Moves the newest command of from onto to, running it forward or back.
+    const KxUndoableCommand* step(std::deque<Entry>& from, std::deque<Entry>& to, bool forward);
     // Runs exec or undo with the stack's own change notifications ignored.
     void run(KxUndoableCommand& command, bool forward);
     void trim();
@@ -55,7 +56,7 @@ private:
     void unwatchUnused();
 
     std::deque<Entry> undo_;
-    std::vector<Entry> redo_;
+    std::deque<Entry> redo_;
     int maxDepth_;
     bool running_ = false;
     // Listener ids on the data objects that commands edit.

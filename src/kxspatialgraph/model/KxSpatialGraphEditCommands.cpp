@@ -398,12 +398,10 @@ Operation* smooth(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGrap
     return op;
 }
 
-Operation* deleteSelection(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGraphSelection& vis) {
-    return new DeleteOperation(&g, a.selection, vis);
-}
-
-Operation* deleteIsolated(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGraphSelection& vis) {
-    return new FindAndDeleteIsolatedVertices(&g, a.selection, vis);
+// An operation that takes nothing but the selection.
+template <class Op>
+Operation* onSelection(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGraphSelection& vis) {
+    return new Op(&g, a.selection, vis);
 }
 
 Operation* vertexToPoint(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs& a,
@@ -525,18 +523,6 @@ Operation* moveVertex(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs& a, const 
     return new MoveVertexOperationSet(&g, v, p, edges, polylines, a.selection, vis);
 }
 
-Operation* connectSelection(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGraphSelection& vis) {
-    return new ConnectSelectionOperationSet(&g, a.selection, vis);
-}
-
-Operation* verticesToPoints(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGraphSelection& vis) {
-    return new MultipleVerticesToPointsOperationSet(&g, a.selection, vis);
-}
-
-Operation* findAndConvert(KxSpatialGraph& g, Tcl_Interp*, EditArgs& a, const SpatialGraphSelection& vis) {
-    return new FindAndConvertVerticesToPointsOperationSet(&g, a.selection, vis);
-}
-
 Operation* connectPointToVertex(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs& a,
                                 const SpatialGraphSelection& vis) {
     if (!selects(interp, a.selection, 1, 1) || !innerPoints(interp, g, a.selection, 1)) {
@@ -588,8 +574,8 @@ const EditCommand kEditCommands[] = {
     {"replace", "edit replace edge POINTS", 2, 2, replace},
     {"insertPoints", "edit insertPoints POINTS SELECTION(1 point)", 1, 1, insertPoints},
     {"smooth", "edit smooth ?-n N? ?-direction {x y z}? SELECTION(edges)", 0, 0, smooth},
-    {"delete", "edit delete SELECTION", 0, 0, deleteSelection},
-    {"deleteIsolated", "edit deleteIsolated", 0, 0, deleteIsolated},
+    {"delete", "edit delete SELECTION", 0, 0, onSelection<DeleteOperation>},
+    {"deleteIsolated", "edit deleteIsolated", 0, 0, onSelection<FindAndDeleteIsolatedVertices>},
     {"vertexToPoint", "edit vertexToPoint SELECTION(1 vertex)", 0, 0, vertexToPoint},
     {"pointToVertex", "edit pointToVertex SELECTION(1 point)", 0, 0, pointToVertex},
     {"addTracedEdge", "edit addTracedEdge POINTS ?-radii R? ?-start {x y z}? SELECTION", 1, 1, addTracedEdge},
@@ -600,10 +586,11 @@ const EditCommand kEditCommands[] = {
      "edit splitEdgeAndConnect x y z edge point ?-polyline POINTS? ?-radii R? SELECTION", 5, 5,
      splitEdgeAndConnect},
     {"moveVertex", "edit moveVertex vertex x y z ?edge POINTS ...?", 4, -1, moveVertex},
-    {"connectSelection", "edit connectSelection SELECTION", 0, 0, connectSelection},
-    {"verticesToPoints", "edit verticesToPoints SELECTION(vertices)", 0, 0, verticesToPoints},
+    {"connectSelection", "edit connectSelection SELECTION", 0, 0, onSelection<ConnectSelectionOperationSet>},
+    {"verticesToPoints", "edit verticesToPoints SELECTION(vertices)", 0, 0,
+     onSelection<MultipleVerticesToPointsOperationSet>},
     {"findAndConvertVerticesToPoints", "edit findAndConvertVerticesToPoints ?SELECTION?", 0, 0,
-     findAndConvert},
+     onSelection<FindAndConvertVerticesToPointsOperationSet>},
     {"connectPointToVertex", "edit connectPointToVertex ?-removeIntermediate? SELECTION(1 vertex, 1 point)",
      0, 0, connectPointToVertex},
     {"connectPointToPoint", "edit connectPointToPoint ?-polyline POINTS? ?-radii R? SELECTION(2 points)", 0,
