@@ -25,20 +25,16 @@
 #include "kxspatialgraph/operations/ConnectPointToPointOperationSet.h"
 #include "kxspatialgraph/operations/ConnectPointToVertexOperationSet.h"
 #include "kxspatialgraph/operations/ConnectSelectionOperationSet.h"
-#include "kxspatialgraph/operations/ConnectTracedPointToVertexOperationSet.h"
-#include "kxspatialgraph/operations/ConnectTracedVertexToPointOperationSet.h"
 #include "kxspatialgraph/operations/DeleteOperation.h"
 #include "kxspatialgraph/operations/FindAndConvertVerticesToPointsOperationSet.h"
 #include "kxspatialgraph/operations/FindAndDeleteIsolatedVertices.h"
 #include "kxspatialgraph/operations/InsertEdgePointsOperation.h"
 #include "kxspatialgraph/operations/MoveOperation.h"
 #include "kxspatialgraph/operations/MoveVertexOperationSet.h"
-#include "kxspatialgraph/operations/MultipleVerticesToPointsOperationSet.h"
 #include "kxspatialgraph/operations/PointToVertexOperation.h"
 #include "kxspatialgraph/operations/ReplaceOperation.h"
 #include "kxspatialgraph/operations/SmoothOperation.h"
 #include "kxspatialgraph/operations/SplitEdgeWithNewVertexAndConnectOperationSet.h"
-#include "kxspatialgraph/operations/SplitEdgeWithNewVertexOperationSet.h"
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
@@ -242,18 +238,14 @@ const std::vector<OperationMaker>& operationMakers() {
              highlighted.selectPoint(at);
              return std::make_unique<PointToVertexOperation>(&g, highlighted, randomSelection(g, rng, 0.5));
          }},
-        // Composite operations. Traced polylines run from the new edge's
+        // Composite operations (those that others run as sub-operations are
+        // covered through them). Traced polylines run from the new edge's
         // source (the lower vertex index) to its target, so the graph stays
         // consistent.
         {"ConnectSelectionOperationSet",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              return std::make_unique<ConnectSelectionOperationSet>(&g, randomSelection(g, rng, 0.3),
                                                                    randomSelection(g, rng, 0.5));
-         }},
-        {"MultipleVerticesToPointsOperationSet",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             return std::make_unique<MultipleVerticesToPointsOperationSet>(&g, randomSelection(g, rng, 0.4),
-                                                                           randomSelection(g, rng, 0.5));
          }},
         {"FindAndConvertVerticesToPointsOperationSet",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
@@ -272,7 +264,7 @@ const std::vector<OperationMaker>& operationMakers() {
              int a = pick(rng, n), b = pick(rng, n);
              SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
              SpatialGraphPoint q = randomInteriorPoint(g, rng, 3, 1);
-             switch (pick(rng, 5)) {
+             switch (pick(rng, 3)) {
                  case 0:  // two vertices
                      if (a == b) {
                          return nullptr;
@@ -282,12 +274,7 @@ const std::vector<OperationMaker>& operationMakers() {
                      from = g.getVertexCoords(std::min(a, b));
                      to = g.getVertexCoords(std::max(a, b));
                      break;
-                 case 1:  // a vertex and a new one at the start position
-                     ends.selectVertex(a);
-                     from = g.getVertexCoords(a);
-                     to = start;
-                     break;
-                 case 2:  // a point made a vertex and a new one at the start position
+                 case 1:  // a point made a vertex and a new one at the start position
                      if (p.edgeNum < 0) {
                          return nullptr;
                      }
@@ -295,7 +282,7 @@ const std::vector<OperationMaker>& operationMakers() {
                      from = g.getEdgePoint(p.edgeNum, p.pointNum);
                      to = start;
                      break;
-                 case 3:  // two points on different edges
+                 default:  // two points on different edges
                      if (p.edgeNum < 0 || p.edgeNum == q.edgeNum) {
                          return nullptr;
                      }
@@ -303,10 +290,6 @@ const std::vector<OperationMaker>& operationMakers() {
                      ends.selectPoint(q);
                      from = g.getEdgePoint(p.edgeNum, p.pointNum);
                      to = g.getEdgePoint(q.edgeNum, q.pointNum);
-                     break;
-                 default:  // nothing: the last two vertices
-                     from = g.getVertexCoords(n - 2);
-                     to = g.getVertexCoords(n - 1);
              }
              DArray<Vec3f> points = randomPolyline(rng, from, to, 2 + pick(rng, 4));
              DArray<float> radii(pick(rng, points.size() + 2), 0.5f);
@@ -336,36 +319,17 @@ const std::vector<OperationMaker>& operationMakers() {
              return std::make_unique<AddVertexAndConnectOperationSet>(&g, position, &points, &radii, from,
                                                                       randomSelection(g, rng, 0.5));
          }},
-        {"SplitEdgeWithNewVertexOperationSet",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             SpatialGraphPoint at = randomInteriorPoint(g, rng, 2, 0);
-             if (at.edgeNum < 0) {
-                 return nullptr;
-             }
-             return std::make_unique<SplitEdgeWithNewVertexOperationSet>(
-                 &g, randomPoint(rng), at.edgeNum, at.pointNum, SpatialGraphSelection(&g),
-                 randomSelection(g, rng, 0.5));
-         }},
         {"SplitEdgeWithNewVertexAndConnectOperationSet",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              SpatialGraphPoint at = randomInteriorPoint(g, rng, 2, 0);
-             SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
              if (at.edgeNum < 0) {
                  return nullptr;
              }
              Vec3f position = randomPoint(rng);
              SpatialGraphSelection from(&g);
-             DArray<Vec3f> points;
-             if (p.edgeNum >= 0 && p.edgeNum < at.edgeNum && chance(rng, 0.5)) {
-                 // A point below the split edge keeps its index; the split's vertex is the source.
-                 from.selectPoint(p);
-                 points =
-                     randomPolyline(rng, position, g.getEdgePoint(p.edgeNum, p.pointNum), 2 + pick(rng, 4));
-             } else {
-                 int v = pick(rng, g.getNumVertices());
-                 from.selectVertex(v);
-                 points = randomPolyline(rng, g.getVertexCoords(v), position, 2 + pick(rng, 4));
-             }
+             int v = pick(rng, g.getNumVertices());
+             from.selectVertex(v);
+             DArray<Vec3f> points = randomPolyline(rng, g.getVertexCoords(v), position, 2 + pick(rng, 4));
              return std::make_unique<SplitEdgeWithNewVertexAndConnectOperationSet>(
                  &g, position, at.edgeNum, at.pointNum, &points, nullptr, from, randomSelection(g, rng, 0.5));
          }},
@@ -423,26 +387,6 @@ const std::vector<OperationMaker>& operationMakers() {
              first.selectPoint(p);
              return std::make_unique<ConnectPointToPointOperationSet>(&g, &second, &points, nullptr, first,
                                                                       randomSelection(g, rng, 0.5));
-         }},
-        {"ConnectTracedVertexToPointOperationSet",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
-             if (p.edgeNum < 0) {
-                 return nullptr;
-             }
-             int v = pick(rng, g.getNumVertices());
-             SpatialGraphSelection ends(&g);
-             ends.selectVertex(v);
-             ends.selectPoint(p);
-             DArray<Vec3f> points = randomPolyline(rng, g.getVertexCoords(v),
-                                                   g.getEdgePoint(p.edgeNum, p.pointNum), 2 + pick(rng, 4));
-             DArray<float> radii(points.size(), 2.0f);
-             if (chance(rng, 0.5)) {
-                 return std::make_unique<ConnectTracedVertexToPointOperationSet>(
-                     &g, &points, &radii, ends, randomSelection(g, rng, 0.5));
-             }
-             return std::make_unique<ConnectTracedPointToVertexOperationSet>(&g, &points, &radii, ends,
-                                                                             randomSelection(g, rng, 0.5));
          }},
     };
     return makers;

@@ -13,12 +13,8 @@
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/operations/AddTracedEdgeOperationSet.h"
 #include "kxspatialgraph/operations/AddVertexAndConnectOperationSet.h"
-#include "kxspatialgraph/operations/ConnectPointToPointOperationSet.h"
-#include "kxspatialgraph/operations/ConnectPointToVertexOperationSet.h"
 #include "kxspatialgraph/operations/ConnectSelectionOperationSet.h"
-#include "kxspatialgraph/operations/ConnectTracedVertexToPointOperationSet.h"
 #include "kxspatialgraph/operations/FindAndConvertVerticesToPointsOperationSet.h"
-#include "kxspatialgraph/operations/MoveVertexOperationSet.h"
 #include "kxspatialgraph/operations/MultipleVerticesToPointsOperationSet.h"
 #include "kxspatialgraph/operations/SplitEdgeWithNewVertexAndConnectOperationSet.h"
 #include "kxspatialgraph/operations/SplitEdgeWithNewVertexOperationSet.h"
@@ -89,7 +85,8 @@ struct SetCase {
 }  // namespace
 
 // Each set: its messages, counts, highlighted vertices and new edges after
-// exec; undo gives back the graph exactly; a redo repeats the first exec.
+// exec, and undo back to the graph it started from. (Random exec, undo and
+// redo sequences of every set are in OperationModelTest.)
 TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
     const std::vector<SetCase> cases = {
         {"connect three chains nearest first, first pair wins a tie",
@@ -102,16 +99,6 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
          5,
          {},
          {{1, 4}, {0, 2}}},
-        {"connect one component",
-         [] { return makeChain(3); },
-         [](KxSpatialGraph* g) {
-             return new ConnectSelectionOperationSet(g, select(g, {0, 2}), everything(g));
-         },
-         {"Number of components in selection: 1"},
-         3,
-         2,
-         {},
-         {}},
         {"closed loop as source",
          [] {
              return grow(makeLoop(), {{5, 0, 0}, {6, 0, 0}}, {{3, 4}});
@@ -171,30 +158,6 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
          1,
          {},
          {{0, 1}}},
-        {"trace from a vertex to a new one",
-         [] { return makeChain(2); },
-         [](KxSpatialGraph* g) {
-             DArray<Vec3f> points = straightPoints({1, 0, 0}, {3, 0, 0}, 3);
-             DArray<float> radii{1.5f, 2.5f, 3.5f, 9.0f};
-             return new AddTracedEdgeOperationSet(g, Vec3f(3, 0, 0), points, radii, select(g, {1}),
-                                                  everything(g));
-         },
-         {},
-         3,
-         2,
-         {2},
-         {{1, 2}}},
-        {"trace between two points, the second renumbered",
-         [] { return makeChain(4); },
-         [](KxSpatialGraph* g) {
-             return new AddTracedEdgeOperationSet(g, DArray<Vec3f>(), DArray<float>(),
-                                                  select(g, {}, {{1, 1}, {2, 1}}), everything(g));
-         },
-         {},
-         6,
-         6,
-         {},
-         {{4, 5}}},
         {"split an edge",
          [] { return makeChain(3); },
          [](KxSpatialGraph* g) {
@@ -230,54 +193,6 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
          4,
          {3},
          {{3, 4}}},
-        {"move a vertex with its edge",
-         [] { return makeChain(2); },
-         [](KxSpatialGraph* g) {
-             SmallArray<int, 2> edges;
-             edges.append(0);
-             DArray<DArray<Vec3f>> polylines{straightPoints({0, 0, 0}, {1, 1, 0}, 4)};
-             return new MoveVertexOperationSet(g, 1, Vec3f(1, 1, 0), edges, polylines, select(g, {0, 1}),
-                                               everything(g));
-         },
-         {},
-         2,
-         1,
-         {0, 1},
-         {{0, 1}}},
-        {"connect a point to an end vertex that then becomes a point",
-         [] { return makeChain(3); },
-         [](KxSpatialGraph* g) {
-             auto* set = new ConnectPointToVertexOperationSet(g, select(g, {0}, {{1, 1}}), everything(g));
-             set->setRemoveIntermediateVertices(true);
-             return set;
-         },
-         {},
-         3,
-         3,
-         {},
-         {{0, 2}}},
-        {"connect two points, the second as selected",
-         [] { return makeChain(4); },
-         [](KxSpatialGraph* g) {
-             return new ConnectPointToPointOperationSet(g, nullptr, nullptr, nullptr,
-                                                        select(g, {}, {{1, 1}, {1, 1}}), everything(g));
-         },
-         {},
-         6,
-         6,
-         {},
-         {{4, 5}}},
-        {"trace from a vertex to a point",
-         [] { return makeChain(3); },
-         [](KxSpatialGraph* g) {
-             return new ConnectTracedVertexToPointOperationSet(g, nullptr, nullptr, select(g, {0}, {{1, 1}}),
-                                                               everything(g));
-         },
-         {},
-         4,
-         4,
-         {},
-         {{0, 3}}},
     };
     for (const SetCase& c : cases) {
         SCOPED_TRACE(c.name);
@@ -297,13 +212,8 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
             EXPECT_EQ(std::make_pair(e.getSource(), e.getTarget()), c.lastEdges[i]) << "edge " << i;
         }
         expectConsistent(*g);
-        GraphSnapshot done = takeSnapshot(*g);
         op->undo();
         EXPECT_TRUE(sameGraph(before, *g));
-        op->exec();
-        GraphComparisonOptions newThicknessId;
-        newThicknessId.compareAttributeIds = false;
-        EXPECT_TRUE(sameGraph(done, *g, newThicknessId));
     }
 }
 
@@ -313,6 +223,8 @@ TEST(OperationSetTest, TracedEdgeStoresRadiiInThicknessItCreatesAndRemoves) {
                                   DArray<float>{1.5f, 2.5f, 3.5f, 9.0f}, select(g.get(), {1}),
                                   everything(g.get()));
     set.exec();
+    EXPECT_EQ(selectedVertices(set.getHighlightSelectionAfterOperation()), std::vector<int>{2});
+    EXPECT_EQ(g->getEdgeTarget(1), 2);
     PointAttribute* thickness = g->findEdgePointAttribute("thickness");
     ASSERT_NE(thickness, nullptr);
     for (int i = 0; i < 3; ++i) {
