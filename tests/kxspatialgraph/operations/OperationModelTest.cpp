@@ -283,7 +283,7 @@ const std::vector<OperationMaker>& operationMakers() {
                      to = start;
                      break;
                  default:  // two points on different edges
-                     if (p.edgeNum < 0 || p.edgeNum == q.edgeNum) {
+                     if (p.edgeNum < 0 || q.edgeNum < 0 || p.edgeNum == q.edgeNum) {
                          return nullptr;
                      }
                      ends.selectPoint(p);
@@ -376,7 +376,7 @@ const std::vector<OperationMaker>& operationMakers() {
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
              SpatialGraphPoint q = randomInteriorPoint(g, rng, 3, 1);
-             if (p.edgeNum < 0 || p.edgeNum == q.edgeNum) {
+             if (p.edgeNum < 0 || q.edgeNum < 0 || p.edgeNum == q.edgeNum) {
                  return nullptr;
              }
              DArray<Vec3f> points = randomPolyline(rng, g.getEdgePoint(p.edgeNum, p.pointNum),
