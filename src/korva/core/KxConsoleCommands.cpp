@@ -13,6 +13,7 @@
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "korva/core/KxUndoCommands.h"
 
 namespace {
 
@@ -187,6 +188,7 @@ std::string helpText() {
         "  remove OBJECT ?...?      remove objects (remove -all: every object)\n"
         "  all ?CLASS?              labels of the objects in the pool\n"
         "  create CLASS ?LABEL?     create an object of a registered class\n"
+        "  undo, redo               take back or repeat the newest edit of the session\n"
         "  help                     this text\n"
         "  quit ?CODE?              end the session\n"
         "  {label} command ?args?   a command of an object (try {label} info)\n";
@@ -244,4 +246,5 @@ void installConsoleCommands(KxTclInterpreter& tcl) {
     Tcl_CreateObjCommand(interp, "create", guarded<createCmd>, &tcl, nullptr);
     Tcl_CreateObjCommand(interp, "help", guarded<helpCmd>, &tcl, nullptr);
     Tcl_CreateObjCommand(interp, "quit", guarded<quitCmd>, &tcl, nullptr);
+    installUndoCommands(tcl);
 }

@@ -18,6 +18,7 @@
 #include "korva/korvamesh/KorvaMesh.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 
 namespace {
@@ -343,6 +344,9 @@ int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
         }
         if (std::strcmp(argv[1], "help") == 0) {
             return helpCommand(interp);
+        }
+        if (std::strcmp(argv[1], "edit") == 0) {
+            return parseEditCommand(*this, interp, argc, argv);
         }
     }
     return KxSpatialData::parse(interp, argc, argv);
