@@ -9,6 +9,7 @@
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphInterface.h"
+#include "kxspatialgraph/operations/DeleteOperation.h"
 
 namespace {
 
@@ -267,6 +268,27 @@ bool SpatialGraphFunctions::resampleWithMaximumPointDistance(KxSpatialGraph* gra
     graph->insertMultipleEdgePoints(at, counts, added);
     theWorkArea->stopWorking();
     return true;
+}
+
+int SpatialGraphFunctions::removeContours(KxSpatialGraph* graph) {
+    SpatialGraphSelection contours(graph);
+    int count = 0;
+    for (int e = 0; e < graph->getNumEdges(); ++e) {
+        if (isContour(graph, e)) {
+            contours.selectEdge(e);
+            for (int v : {graph->getEdgeSource(e), graph->getEdgeTarget(e)}) {
+                if (v >= 0 && v < graph->getNumVertices()) {
+                    contours.selectVertex(v);
+                }
+            }
+            ++count;
+        }
+    }
+    SpatialGraphSelection visible(graph);
+    visible.selectAllVerticesAndEdges();
+    DeleteOperation deletion(graph, contours, visible);
+    deletion.exec();
+    return count;
 }
 
 SpatialGraphSelection SpatialGraphFunctions::getEdgesWithLabelId(const KxSpatialGraph* graph,

@@ -53,6 +53,10 @@ public:
     // graph unchanged) for a distance that is not positive or would create
     // more points than a graph can hold.
     static bool resampleWithMaximumPointDistance(KxSpatialGraph* graph, float maxDistance);
+    // Deletes every contour edge with its end vertices, not undoably; an end
+    // vertex that has other edges stays. Returns the number of contours. Like
+    // resampling, it leaves touching and firing the graph to the caller.
+    static int removeContours(KxSpatialGraph* graph);
 
     // Selections sized to the graph holding the elements whose value of the
     // named int attribute equals labelId exactly (child labels not included);

@@ -66,6 +66,23 @@ TEST(SpatialGraphFunctionsTest, KindsOfVerticesAndContours) {
     EXPECT_EQ(console.numErrors(), 1);
 }
 
+TEST(SpatialGraphFunctionsTest, RemovingContoursKeepsVerticesWithOtherEdges) {
+    // A loop edge at 0, which also starts a chain 0 - 1 - 2; an edge between 3 and 4, 0.00005 apart.
+    auto g = GraphFixtures::makeChain(3);
+    g->addVertex(Vec3f(5, 5, 5));
+    g->addVertex(Vec3f(5.00005f, 5, 5));
+    g->addEdge(3, 4);
+    g->addEdge(0, 0);
+    GraphFixtures::addIdentityMarkers(*g);
+    auto expected = GraphFixtures::makeChain(3);
+    GraphFixtures::addIdentityMarkers(*expected);
+    GraphSnapshot unchanged = takeSnapshot(*expected);
+    EXPECT_EQ(SpatialGraphFunctions::removeContours(g.get()), 2);
+    EXPECT_TRUE(sameGraph(takeSnapshot(*expected), *g, {false, true}));
+    EXPECT_EQ(SpatialGraphFunctions::removeContours(expected.get()), 0);
+    EXPECT_TRUE(sameGraph(unchanged, *expected));
+}
+
 TEST(SpatialGraphFunctionsTest, ResamplingInsertsEvenlySpacedPoints) {
     struct Case {
         float maxDistance;
