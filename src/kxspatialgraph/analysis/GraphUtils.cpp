@@ -104,6 +104,53 @@ bool takeChainShortcut(DArray<int>& queue, int i, int levelEnd, int& shortcuts) 
     return true;
 }
 
+// Grows the tree of startLine level by level over the lines still listed in
+// both indexes, appending its lines to treeLines and their levels to rank (the
+// start line 0, its unbranched continuation 1, one more per branching).
+// Lines are withdrawn from the indexes as they are queued and processed, so
+// trees of separate components can be ranked one after the other. Returns
+// the number of levels reached.
+int rankTree(const LineEnds& ends, LinesAtPositions& unqueued, LinesAtPositions& unprocessed, int startLine,
+             DArray<int>& treeLines, DArray<int>& rank) {
+    DArray<int> queue{startLine};
+    unqueued.withdraw(startLine);
+    int level = 0;
+    for (int levelStart = 0;;) {
+        int levelEnd = queue.size();
+        int shortcuts = 0;
+        for (int i = levelStart; i < levelEnd;) {
+            int e = queue[i];
+            treeLines.append(e);
+            rank[e] = level;
+            unprocessed.withdraw(e);
+            if (!ends.isSelfLoop(e)) {
+                int connected[2];
+                int count = unprocessed.findUpToTwo(ends.source(e), ends.target(e), connected);
+                int sizeBefore = queue.size();
+                unqueued.takeAll(ends.source(e), ends.target(e), queue);
+                if (count == 1) {
+                    // The chain goes on in this level; a start line's continuation gets rank 1.
+                    if (queue.size() > sizeBefore) {
+                        queue.remove(queue.size() - 1);
+                    }
+                    queue[i] = unprocessed.lineOf(connected[0]);
+                    level = std::max(level, 1);
+                    continue;
+                }
+            }
+            theWorkArea->step();
+            if (!takeChainShortcut(queue, i, levelEnd, shortcuts)) {
+                ++i;
+            }
+        }
+        ++level;
+        if (queue.size() == levelEnd || level > kMaxLevel) {
+            return level;
+        }
+        levelStart = levelEnd;
+    }
+}
+
 void sortLargestFirst(DArray<DArray<int>>& sets) {
     std::stable_sort(sets.begin(), sets.end(), [](const DArray<int>& a, const DArray<int>& b) {
         return GraphUtils::arraySizeCompare(a, b) < 0;
@@ -193,44 +240,7 @@ void GraphUtils::identifyTree(const KxSpatialGraph* graph, int startLine, DArray
     LinesAtPositions unqueued(ends, allLines(n));
     LinesAtPositions unprocessed(ends, allLines(n));
     DArray<int> rank(n, 0);
-    DArray<int> queue{startLine};
-    unqueued.withdraw(startLine);
-    int level = 0;
-    for (int levelStart = 0;;) {
-        int levelEnd = queue.size();
-        int shortcuts = 0;
-        for (int i = levelStart; i < levelEnd;) {
-            int e = queue[i];
-            treeLines.append(e);
-            rank[e] = level;
-            unprocessed.withdraw(e);
-            if (!ends.isSelfLoop(e)) {
-                int connected[2];
-                int count = unprocessed.findUpToTwo(ends.source(e), ends.target(e), connected);
-                int sizeBefore = queue.size();
-                unqueued.takeAll(ends.source(e), ends.target(e), queue);
-                if (count == 1) {
-                    // The chain goes on in this level; a start line's continuation gets rank 1.
-                    if (queue.size() > sizeBefore) {
-                        queue.remove(queue.size() - 1);
-                    }
-                    queue[i] = unprocessed.lineOf(connected[0]);
-                    level = std::max(level, 1);
-                    continue;
-                }
-            }
-            theWorkArea->step();
-            if (!takeChainShortcut(queue, i, levelEnd, shortcuts)) {
-                ++i;
-            }
-        }
-        ++level;
-        if (queue.size() == levelEnd || level > kMaxLevel) {
-            break;
-        }
-        levelStart = levelEnd;
-    }
-
+    int level = rankTree(ends, unqueued, unprocessed, startLine, treeLines, rank);
     levels.resize(level);
     for (int line : treeLines) {
         levels[rank[line]].append(line);
@@ -240,6 +250,31 @@ void GraphUtils::identifyTree(const KxSpatialGraph* graph, int startLine, DArray
     }
     for (int i = 0; i < n; ++i) {
         std::printf("rank2 [%d] line [%d]\n", rank[i], i);
+    }
+    theWorkArea->stopWorking();
+}
+
+void GraphUtils::rankTrees(const KxSpatialGraph* graph, const DArray<DArray<int>>& trees, DArray<int>& ranks) {
+    int n = graph->getNumEdges();
+    ranks.resize(n);
+    ranks.fill(0);
+    LineEnds ends(graph);
+    LinesAtPositions unqueued(ends, allLines(n));
+    LinesAtPositions unprocessed(ends, allLines(n));
+    // In the order the trees were found, so that a line goes to the same tree.
+    DArray<int> firstLines;
+    for (const DArray<int>& tree : trees) {
+        if (!tree.isEmpty() && isLine(graph, tree[0])) {
+            firstLines.append(tree[0]);
+        }
+    }
+    firstLines.sort();
+    theWorkArea->startWorking("Ranking trees...", n);
+    DArray<int> treeLines;
+    for (int line : firstLines) {
+        if (unprocessed.isListed(line)) {
+            rankTree(ends, unqueued, unprocessed, line, treeLines, ranks);
+        }
     }
     theWorkArea->stopWorking();
 }

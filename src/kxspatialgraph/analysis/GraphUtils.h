@@ -39,6 +39,11 @@ public:
     static void identifyTree(const KxSpatialGraph* graph, int startLine, DArray<int>& treeLines,
                              DArray<DArray<int>>& levels);
 
+    // The rank of every line, each tree of identifyTrees ranked from its first
+    // line as identifyTree does, in the order the trees were found; nothing is
+    // printed. Lines in no tree (or beyond the level cap) get 0.
+    static void rankTrees(const KxSpatialGraph* graph, const DArray<DArray<int>>& trees, DArray<int>& ranks);
+
     // Loops: groups of touching loopy lines, largest first (a self-loop is a
     // loop of one line). loopyLines are the lines the walk found on cycles, in
     // the order found. With startLines, only those lines take part.
