@@ -17,17 +17,17 @@ namespace QuadraticLineAnalysis {
 
 using Lines = DArray<int>;
 using LineSets = DArray<DArray<int>>;
+const auto connected = GraphUtils::checkIfLinesAreConnected;
+const auto select = GraphUtils::selectLoopyLine;
 
-inline bool connected(const KxSpatialGraph* g, int a, int b, int prev) {
-    return GraphUtils::checkIfLinesAreConnected(g, a, b, prev);
+inline bool isSelfLoop(const KxSpatialGraph* g, int e) {
+    return g->getEdgeSource(e) == g->getEdgeTarget(e);
 }
 
 inline Lines pendingOf(const KxSpatialGraph* g, const Lines& startLines) {
     Lines pending(g->getNumEdges(), -1);
     for (int i = 0; i < g->getNumEdges(); ++i) {
-        if (startLines.isEmpty() || startLines.find(i) >= 0) {
-            pending[i] = i;
-        }
+        pending[i] = startLines.isEmpty() || startLines.find(i) >= 0 ? i : -1;
     }
     return pending;
 }
@@ -50,31 +50,29 @@ inline void trees(const KxSpatialGraph* g, LineSets& trees, Lines& ranks,
     trees.clear();
     ranks = Lines(n, 0);
     for (int seed = 0; seed < n; ++seed) {
-        if (pending[seed] == -1) {
-            continue;
+        Lines tree, queue;
+        if (pending[seed] != -1) {
+            queue.append(seed);
         }
-        Lines tree, queue{seed};
         for (int levelStart = 0; levelStart < queue.size();) {
             int levelEnd = queue.size(), shortcuts = 0;
             for (int i = levelStart; i < levelEnd;) {
                 int e = queue[i];
                 tree.append(e);
-                if (givenRanks) {
-                    ranks[e] = givenRanks->getIntDataAtIdx(e);
-                }
+                ranks[e] = givenRanks ? givenRanks->getIntDataAtIdx(e) : 0;
                 for (int f = 0; f < n; ++f) {
                     if (f != e && pending[f] != -1 && connected(g, e, f, -1) && queue.find(f) < 0) {
                         queue.append(f);
                     }
                 }
                 pending[e] = -1;
-                if (!shortcut(queue, i, levelEnd, shortcuts)) {
-                    ++i;
-                }
+                i += shortcut(queue, i, levelEnd, shortcuts) ? 0 : 1;
             }
             levelStart = levelEnd;
         }
-        trees.append(tree);
+        if (!tree.isEmpty()) {
+            trees.append(tree);
+        }
     }
     std::stable_sort(trees.begin(), trees.end(), [](const Lines& a, const Lines& b) { return a.size() > b.size(); });
     locations = DArray<GraphUtils::LineLocation>(n);
@@ -87,10 +85,9 @@ inline void trees(const KxSpatialGraph* g, LineSets& trees, Lines& ranks,
 
 // Returns what identifyTree prints.
 inline std::string tree(const KxSpatialGraph* g, int start, Lines& treeLines, LineSets& levels) {
-    int n = g->getNumEdges();
+    int n = g->getNumEdges(), level = 0;
     Lines pending = pendingOf(g, Lines()), rank(n, 0), queue{start};
     treeLines.clear();
-    int level = 0;
     for (int levelStart = 0;;) {
         int levelEnd = queue.size(), shortcuts = 0;
         for (int i = levelStart; i < levelEnd;) {
@@ -102,8 +99,7 @@ inline std::string tree(const KxSpatialGraph* g, int start, Lines& treeLines, Li
                 if (f != e && pending[f] != -1 && connected(g, e, f, -1)) {
                     ++count;
                     single = f;
-                    appended = queue.find(f) < 0;
-                    if (appended) {
+                    if ((appended = queue.find(f) < 0)) {
                         queue.append(f);
                     }
                 }
@@ -115,29 +111,26 @@ inline std::string tree(const KxSpatialGraph* g, int start, Lines& treeLines, Li
                 }
                 queue[i] = single;
                 level = std::max(level, 1);
-                continue;
-            }
-            if (!shortcut(queue, i, levelEnd, shortcuts)) {
-                ++i;
+            } else {
+                i += shortcut(queue, i, levelEnd, shortcuts) ? 0 : 1;
             }
         }
-        ++level;
-        if (queue.size() == levelEnd || level > 10000) {
+        if (++level > 10000 || queue.size() == levelEnd) {
             break;
         }
         levelStart = levelEnd;
     }
     levels = LineSets(level);
     std::string printed;
-    char line[64];
+    char text[64];
     for (int e : treeLines) {
         levels[rank[e]].append(e);
-        std::snprintf(line, sizeof line, "rank1 [%d] line [%d]\n", rank[e], e);
-        printed += line;
+        std::snprintf(text, sizeof text, "rank1 [%d] line [%d]\n", rank[e], e);
+        printed += text;
     }
     for (int i = 0; i < n; ++i) {
-        std::snprintf(line, sizeof line, "rank2 [%d] line [%d]\n", rank[i], i);
-        printed += line;
+        std::snprintf(text, sizeof text, "rank2 [%d] line [%d]\n", rank[i], i);
+        printed += text;
     }
     return printed;
 }
@@ -149,11 +142,11 @@ struct LoopWalk {
     Lines path;
 
     int recur(int prev, int line) {
-        if (g->getEdgeSource(line) == g->getEdgeTarget(line)) {
-            GraphUtils::selectLoopyLine(loopy, line);
+        if (isSelfLoop(g, line)) {
+            select(loopy, line);
         }
         if (path.find(line) >= 0) {
-            GraphUtils::selectLoopyLine(loopy, prev);
+            select(loopy, prev);
             pending[prev] = -1;
             return line;
         }
@@ -162,21 +155,17 @@ struct LoopWalk {
             if (j == line || j == prev || pending[j] == -1) {
                 continue;
             }
-            if (connected(g, line, j, prev)) {
-                int r = recur(line, j);
-                if (r == line || r == -2) {
-                    path.remove(path.size() - 1);
-                    return -2;
+            int r = connected(g, line, j, prev) ? recur(line, j) : -1;
+            if (r != -1) {
+                path.remove(path.size() - 1);
+                if (r != line && r != -2) {
+                    select(loopy, line);
                 }
-                if (r != -1) {
-                    path.remove(path.size() - 1);
-                    GraphUtils::selectLoopyLine(loopy, line);
-                    return r;
-                }
+                return r == line ? -2 : r;
             }
             if (GraphUtils::checkIfSameVertexes(g, line, j)) {
-                GraphUtils::selectLoopyLine(loopy, line);
-                GraphUtils::selectLoopyLine(loopy, j);
+                select(loopy, line);
+                select(loopy, j);
             }
         }
         path.remove(path.size() - 1);
@@ -186,7 +175,7 @@ struct LoopWalk {
 };
 
 inline void loops(const KxSpatialGraph* g, LineSets& loops, Lines& loopy, const Lines& startLines) {
-    Lines pending = pendingOf(g, startLines);
+    Lines pending = pendingOf(g, startLines), work;
     loopy.clear();
     LoopWalk walk{g, loopy, pending, {}};
     for (int first = 0; first < pending.size(); ++first) {
@@ -195,13 +184,8 @@ inline void loops(const KxSpatialGraph* g, LineSets& loops, Lines& loopy, const 
         }
     }
     loops.clear();
-    Lines work;
     for (int line : loopy) {
-        if (g->getEdgeSource(line) == g->getEdgeTarget(line)) {
-            loops.append(Lines{line});
-        } else {
-            work.append(line);
-        }
+        isSelfLoop(g, line) ? loops.append(Lines{line}) : work.append(line);
     }
     for (int k = 0; k < work.size(); ++k) {
         if (work[k] == -1) {
@@ -233,7 +217,7 @@ inline Lines loopGeneratingLines(const KxSpatialGraph* g) {
         for (int j = i + 1; j < loopy.size(); ++j) {
             twin = twin || GraphUtils::checkIfSameVertexes(g, loopy[i], loopy[j]);
         }
-        if (g->getEdgeSource(loopy[i]) == g->getEdgeTarget(loopy[i]) || twin) {
+        if (isSelfLoop(g, loopy[i]) || twin) {
             lines.append(loopy[i]);
         }
     }

@@ -52,14 +52,10 @@ TEST(SpatialGraphFunctionsTest, KindsOfVerticesAndContours) {
     SpatialGraphSelection selection(g.get());
     selection.selectAllVertices();
     EXPECT_EQ(SpatialGraphFunctions::getNumberOfNodesOfTypeInSelection(g.get(), selection, NodeType::INTERMEDIATE_NODE), 2);
-    struct Case {
-        int edge, vertex;
-        bool contour;
-    } cases[] = {{4, 5, true}, {5, 6, true}, {6, 8, false}, {0, 0, false}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.edge);
-        EXPECT_EQ(SpatialGraphFunctions::isContour(g.get(), c.edge), c.contour);
-        EXPECT_EQ(SpatialGraphFunctions::isContourVertex(g.get(), c.vertex), c.contour);
+    const int cases[][3] = {{4, 5, 1}, {5, 6, 1}, {6, 8, 0}, {0, 0, 0}};  // edge, its vertex, contour
+    for (const int* c : cases) {
+        EXPECT_EQ(SpatialGraphFunctions::isContour(g.get(), c[0]), c[2] != 0) << c[0];
+        EXPECT_EQ(SpatialGraphFunctions::isContourVertex(g.get(), c[1]), c[2] != 0) << c[1];
     }
     KxMessageCapture console;
     EXPECT_FALSE(SpatialGraphFunctions::isContour(g.get(), 7));
@@ -157,16 +153,12 @@ TEST(SpatialGraphFunctionsTest, ElementsWithALabel) {
     g->findVertexAttribute("Neuron")->setIntDataAtIdx(4, axon);
     SpatialGraphSelection s = SpatialGraphFunctions::getEdgesAndVerticesWithLabelId(g.get(), "Neuron", axon);
     EXPECT_EQ(s.getNumVertices(), 5);
-    EXPECT_EQ(s.getSelectedEdge(0), 1);
-    EXPECT_EQ(s.getNumSelectedEdges(), 1);
-    EXPECT_EQ(s.getSelectedVertex(0), 4);
-    EXPECT_EQ(s.getNumSelectedVertices(), 1);
+    EXPECT_TRUE(s.getEdgeSelection().test(1) && s.getNumSelectedEdges() == 1);
+    EXPECT_TRUE(s.getVertexSelection().test(4) && s.getNumSelectedVertices() == 1);
     s = SpatialGraphFunctions::getEdgesWithLabelId(g.get(), "Unknown", 0);
     EXPECT_TRUE(s.isEmpty());
     EXPECT_EQ(s.getNumEdges(), 3);
     BitField sub = SpatialGraphFunctions::getLabelIdsInSubTree(g->getLabelGroup("Neuron"), "Axon");
-    EXPECT_EQ(sub.size(), branch + 1);
-    EXPECT_EQ(sub.count(), 1);
-    EXPECT_TRUE(sub.test(branch));
+    EXPECT_TRUE(sub.size() == branch + 1 && sub.count() == 1 && sub.test(branch));
     EXPECT_TRUE(SpatialGraphFunctions::getLabelIdsInSubTree(g->getLabelGroup("Neuron"), "None").isEmpty());
 }
