@@ -46,7 +46,8 @@ std::unique_ptr<KxSpatialGraph> makeBinaryTree(int numLines) {
         int parent = e / 2;
         Vec3f c = g->getVertexCoords(parent);
         float depth = std::floor(std::log2(static_cast<float>(e + 2)));
-        int v = g->addVertex(c + Vec3f(e % 2 ? 1.0f : -1.0f, 1.0f, 0.0f) * std::ldexp(1000.0f, -static_cast<int>(depth) / 2));
+        int v = g->addVertex(c + Vec3f(e % 2 ? 1.0f : -1.0f, 1.0f, 0.0f) *
+                                     std::ldexp(1000.0f, -static_cast<int>(depth) / 2));
         g->addEdge(parent, v);
     }
     return g;
@@ -89,8 +90,24 @@ void BM_ResampleTenMillionPoints(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK_CAPTURE(identifyTrees, grid, makeGridNetwork)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(identifyTrees, tree, makeBinaryTree)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(identifyLoops, grid, makeGridNetwork)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(identifyLoops, chain, [](int n) { return makeLongChain(n, 2); })->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(identifyTrees, grid, makeGridNetwork)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(identifyTrees, tree, makeBinaryTree)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(identifyLoops, grid, makeGridNetwork)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(identifyLoops, chain, [](int n) { return makeLongChain(n, 2); })
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ResampleTenMillionPoints)->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -84,6 +84,7 @@ int runTrees(KorvaSession&, int argc, char** argv) {
 }
 
 KorvaSubcommand::Registrar registrar{"trees", "FILE [-l] [-o OUT]",
-                                     "print the trees, ranks and loops of a graph; -o saves them with it", runTrees};
+                                     "print the trees, ranks and loops of a graph; -o saves them with it",
+                                     runTrees};
 
 }  // namespace

@@ -254,7 +254,8 @@ void GraphUtils::identifyTree(const KxSpatialGraph* graph, int startLine, DArray
     theWorkArea->stopWorking();
 }
 
-void GraphUtils::rankTrees(const KxSpatialGraph* graph, const DArray<DArray<int>>& trees, DArray<int>& ranks) {
+void GraphUtils::rankTrees(const KxSpatialGraph* graph, const DArray<DArray<int>>& trees,
+                           DArray<int>& ranks) {
     int n = graph->getNumEdges();
     ranks.resize(n);
     ranks.fill(0);
@@ -291,8 +292,8 @@ void GraphUtils::identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>&
     identifyLoops(graph, loops, loopyLines, DArray<int>());
 }
 
-void GraphUtils::identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops, DArray<int>& loopyLines,
-                               const DArray<int>& startLines) {
+void GraphUtils::identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops,
+                               DArray<int>& loopyLines, const DArray<int>& startLines) {
     int n = graph->getNumEdges();
     DArray<int> pending = pendingLines(graph, startLines);
     loopyLines.clear();
@@ -383,9 +384,10 @@ int GraphUtils::identifyLoopRecur(const KxSpatialGraph* graph, DArray<int>& loop
                                   int prevLine, int line) {
     int n = graph->getNumEdges();
     if (pending.size() != n || !isLine(graph, line) || prevLine >= n) {
-        theMsg->printf("Error: identifyLoopRecur: line %d, previous line %d or %d pending entries do not fit "
-                       "a graph of %d edges.",
-                       line, prevLine, pending.size(), n);
+        theMsg->printf(
+            "Error: identifyLoopRecur: line %d, previous line %d or %d pending entries do not fit "
+            "a graph of %d edges.",
+            line, prevLine, pending.size(), n);
         return -1;
     }
     LineEnds ends(graph);

@@ -47,9 +47,10 @@ public:
     // Loops: groups of touching loopy lines, largest first (a self-loop is a
     // loop of one line). loopyLines are the lines the walk found on cycles, in
     // the order found. With startLines, only those lines take part.
-    static void identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops, DArray<int>& loopyLines,
-                              const DArray<int>& startLines);
-    static void identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops, DArray<int>& loopyLines);
+    static void identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops,
+                              DArray<int>& loopyLines, const DArray<int>& startLines);
+    static void identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops,
+                              DArray<int>& loopyLines);
     static void identifyLoops(const KxSpatialGraph* graph, DArray<DArray<int>>& loops);
     // Appends the lines whose removal opens the loops: self-loops, the first of
     // each pair of parallel loopy lines, and the thinnest line of every loop of

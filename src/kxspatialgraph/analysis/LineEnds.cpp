@@ -24,8 +24,10 @@ struct VertexKey {
     uint32_t x, y, z;
     int vertex;
     bool operator<(const VertexKey& o) const {
-        if (x != o.x) return x < o.x;
-        if (y != o.y) return y < o.y;
+        if (x != o.x)
+            return x < o.x;
+        if (y != o.y)
+            return y < o.y;
         return z < o.z;
     }
     bool samePlace(const VertexKey& o) const { return x == o.x && y == o.y && z == o.z; }

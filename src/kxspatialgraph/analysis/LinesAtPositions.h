@@ -36,8 +36,8 @@ public:
 private:
     DArray<int> lines_;
     DArray<char> listed_;
-    DArray<int> start_;     // per position, with one sentinel slot at each list's end
-    DArray<int> items_;     // per slot; -1 in sentinels
-    DArray<int> skip_;      // per slot: itself while listed, else a later slot
-    DArray<int> slotOf_;    // two per item: its slot at the source and at the target position (-1: none)
+    DArray<int> start_;   // per position, with one sentinel slot at each list's end
+    DArray<int> items_;   // per slot; -1 in sentinels
+    DArray<int> skip_;    // per slot: itself while listed, else a later slot
+    DArray<int> slotOf_;  // two per item: its slot at the source and at the target position (-1: none)
 };

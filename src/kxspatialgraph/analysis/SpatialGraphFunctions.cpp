@@ -51,7 +51,8 @@ double pointsBetween(float d, float maxDistance) {
 // rounding; far from the origin, where float steps exceed the distance,
 // rounding could go on forever. Deliberate: a pair gets at most twice its
 // first count plus 16 points, then the rest are taken as they are.
-void resamplePair(const Vec3f& a, const Vec3f& b, float maxDistance, DArray<Vec3f>& out, DArray<Vec3f>& ahead) {
+void resamplePair(const Vec3f& a, const Vec3f& b, float maxDistance, DArray<Vec3f>& out,
+                  DArray<Vec3f>& ahead) {
     Vec3f last = a;
     ahead.clear();
     double budget = -1.0;
@@ -243,9 +244,10 @@ bool SpatialGraphFunctions::resampleWithMaximumPointDistance(KxSpatialGraph* gra
         }
     }
     if (expected > INT_MAX / 2) {
-        theMsg->printf("Error: resampling to a point distance of %g would make %.0f points; the graph holds at "
-                       "most %d.",
-                       maxDistance, expected, INT_MAX / 2);
+        theMsg->printf(
+            "Error: resampling to a point distance of %g would make %.0f points; the graph holds at "
+            "most %d.",
+            maxDistance, expected, INT_MAX / 2);
         return false;
     }
 

@@ -25,8 +25,8 @@ public:
     // Ascending.
     static DArray<int> getEndingNodes(const KxSpatialGraph* graph);
     static DArray<int> getBranchingNodes(const KxSpatialGraph* graph);
-    static int getNumberOfNodesOfTypeInSelection(const KxSpatialGraph* graph, const SpatialGraphSelection& selection,
-                                                 NodeType::Enum type);
+    static int getNumberOfNodesOfTypeInSelection(const KxSpatialGraph* graph,
+                                                 const SpatialGraphSelection& selection, NodeType::Enum type);
 
     // A closed contour: an edge from a vertex to itself, or between two
     // vertices less than 0.0001 apart.
@@ -63,8 +63,8 @@ public:
     // empty when there is no such attribute at that location.
     static SpatialGraphSelection getEdgesWithLabelId(const KxSpatialGraph* graph, const char* attributeName,
                                                      int labelId);
-    static SpatialGraphSelection getVerticesWithLabelId(const KxSpatialGraph* graph, const char* attributeName,
-                                                        int labelId);
+    static SpatialGraphSelection getVerticesWithLabelId(const KxSpatialGraph* graph,
+                                                        const char* attributeName, int labelId);
     static SpatialGraphSelection getEdgesAndVerticesWithLabelId(const KxSpatialGraph* graph,
                                                                 const char* attributeName, int labelId);
     // Bits 0 .. max label id, set for the ids getChildIds gives for the label

@@ -19,7 +19,8 @@ void printLines(FILE* out, const DArray<int>& lines) {
 }
 
 EdgeVertexAttribute* intEdgeAttribute(KxSpatialGraph* graph, const char* name) {
-    return static_cast<EdgeVertexAttribute*>(graph->addAttribute(name, KxSpatialGraph::EDGE, PrimType::INT32, 1));
+    return static_cast<EdgeVertexAttribute*>(
+        graph->addAttribute(name, KxSpatialGraph::EDGE, PrimType::INT32, 1));
 }
 
 // Rank r is stored as the id of the label "Rank<r + 1>", created where missing.
@@ -86,7 +87,8 @@ void TreeReport::write(KxSpatialGraph* graph, FILE* out, bool listLines, bool la
     }
     if (listLines) {
         for (int e = 0; e < graph->getNumEdges(); ++e) {
-            std::fprintf(out, "Line %d: tree %d, rank %d, loop %d\n", e, locations[e].tree, ranks[e], loopOf[e]);
+            std::fprintf(out, "Line %d: tree %d, rank %d, loop %d\n", e, locations[e].tree, ranks[e],
+                         loopOf[e]);
         }
     }
     if (label) {

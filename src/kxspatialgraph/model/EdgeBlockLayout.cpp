@@ -128,7 +128,8 @@ DArray<int> EdgeBlockLayout::openGapsInEdges(unsigned char* data, size_t element
     for (int k = m - 1; k >= 0; --k) {
         size_t begin = static_cast<size_t>(gaps[k]);
         if (end > begin && shift > 0) {
-            std::memmove(data + (begin + shift) * elementSize, data + begin * elementSize, (end - begin) * elementSize);
+            std::memmove(data + (begin + shift) * elementSize, data + begin * elementSize,
+                         (end - begin) * elementSize);
         }
         shift -= static_cast<size_t>(counts[k]);
         gaps[k] += static_cast<int>(shift);

@@ -62,8 +62,8 @@ void EdgePointsManager::insertEdgePoints(int e, int i, const DArray<Vec3f>& pts)
     EdgeBlockLayout::shiftOffsets(offsets_, e + 1, n);
 }
 
-void EdgePointsManager::insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts,
-                                                 const DArray<Vec3f>& pts) {
+void EdgePointsManager::insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at,
+                                                 const DArray<int>& counts, const DArray<Vec3f>& pts) {
     if (pts.isEmpty()) {
         return;
     }

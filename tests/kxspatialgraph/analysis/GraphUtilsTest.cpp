@@ -47,7 +47,8 @@ std::unique_ptr<KxSpatialGraph> makeGraph(const std::vector<Vec3f>& vertices,
 }
 
 void setThickness(KxSpatialGraph& g, const std::vector<float>& perLine) {
-    auto* a = static_cast<PointAttribute*>(g.addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
+    auto* a = static_cast<PointAttribute*>(
+        g.addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
     for (int e = 0; e < g.getNumEdges(); ++e) {
         for (int p = 0; p < g.getNumEdgePoints(e); ++p) {
             a->setFloatDataAtPoint(perLine[static_cast<size_t>(e)], e, p);
@@ -66,7 +67,8 @@ std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
     std::vector<Vec3f> vertices;
     for (int i = pick(12); i >= 0; --i) {
         Vec3f c = places[static_cast<size_t>(pick(static_cast<int>(places.size())))];
-        vertices.push_back(pick(30) == 0 ? Vec3f(NAN, 0, 0) : (c == Vec3f(0, 0, 0) && pick(2) ? Vec3f(-0.0f, 0, 0) : c));
+        vertices.push_back(pick(30) == 0 ? Vec3f(NAN, 0, 0)
+                                         : (c == Vec3f(0, 0, 0) && pick(2) ? Vec3f(-0.0f, 0, 0) : c));
     }
     std::vector<std::pair<int, int>> edges;
     int numVertices = static_cast<int>(vertices.size());
@@ -86,7 +88,8 @@ std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
     }
     setThickness(*g, thickness);
     if (pick(2)) {
-        auto* ranks = static_cast<EdgeVertexAttribute*>(g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));
+        auto* ranks = static_cast<EdgeVertexAttribute*>(
+            g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));
         for (int e = 0; e < g->getNumEdges(); ++e) {
             ranks->setIntDataAtIdx(e, pick(5));
         }
@@ -139,7 +142,8 @@ TEST(GraphUtilsTest, GivesTheQuadraticProceduresResultsOnRandomGraphs) {
         Lines generating;
         GraphUtils::getLoopGeneratingLines(g.get(), generating);
         Lines expectedGenerating = QuadraticLineAnalysis::loopGeneratingLines(g.get());
-        EXPECT_TRUE(generating == expectedGenerating) << text(generating) << " vs " << text(expectedGenerating);
+        EXPECT_TRUE(generating == expectedGenerating)
+            << text(generating) << " vs " << text(expectedGenerating);
         if (n == 0) {
             continue;
         }
@@ -186,8 +190,24 @@ TEST(GraphUtilsTest, FindsTheTreesAndLoopsOfSmallGraphs) {
         {"parallel twins", {a, b, a, b}, {{0, 1}, {3, 2}}, {}, {}, {{0, 1}}, {{0, 1}}, {0, 1}, {0}},
         {"triangle", {a, b, c}, {{0, 1}, {1, 2}, {2, 0}}, {}, {}, {{0, 1, 2}}, {{2, 1}}, {2, 1}, {}},
         {"triangle, two start lines", {a, b, c}, {{0, 1}, {1, 2}, {2, 0}}, {}, {0, 2}, {{0, 2}}, {}, {}, {}},
-        {"square", {a, b, c, d}, {{0, 1}, {1, 2}, {2, 3}, {3, 0}}, {}, {}, {{0, 1, 2, 3}}, {{3, 2, 1}}, {3, 2, 1}, {3}},
-        {"thin square", {a, b, c, d}, {{0, 1}, {1, 2}, {2, 3}, {3, 0}}, {3, 3, 1, 2}, {}, {{0, 1, 2, 3}}, {{3, 2, 1}}, {3, 2, 1}, {2}},
+        {"square",
+         {a, b, c, d},
+         {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
+         {},
+         {},
+         {{0, 1, 2, 3}},
+         {{3, 2, 1}},
+         {3, 2, 1},
+         {3}},
+        {"thin square",
+         {a, b, c, d},
+         {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
+         {3, 3, 1, 2},
+         {},
+         {{0, 1, 2, 3}},
+         {{3, 2, 1}},
+         {3, 2, 1},
+         {2}},
     };
     KxMessageCapture console;
     for (const Case& test : cases) {
@@ -235,7 +255,7 @@ TEST(GraphUtilsTest, ConnectionIgnoresTheEndTouchingThePreviousLine) {
     auto g = makeGraph({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {-0.0f, 0, 0}, {NAN, 0, 0}},
                        {{0, 1}, {1, 2}, {2, 3}, {1, 1}, {4, 0}, {4, 1}});
     // a, b, previous line, connected
-    const int cases[][4] = {{1, 0, -1, 1}, {1, 0, 0, 0}, {1, 2, 0, 1}, {2, 0, -1, 1}, {2, 0, 1, 1},
+    const int cases[][4] = {{1, 0, -1, 1}, {1, 0, 0, 0},  {1, 2, 0, 1},  {2, 0, -1, 1}, {2, 0, 1, 1},
                             {3, 0, -1, 0}, {0, 3, -1, 1}, {4, 5, -1, 0}, {4, 0, -1, 1}, {0, 9, -1, 0}};
     for (const int* c : cases) {
         EXPECT_EQ(GraphUtils::checkIfLinesAreConnected(g.get(), c[0], c[1], c[2]), c[3] != 0)

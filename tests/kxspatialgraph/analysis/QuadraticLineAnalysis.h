@@ -74,7 +74,8 @@ inline void trees(const KxSpatialGraph* g, LineSets& trees, Lines& ranks,
             trees.append(tree);
         }
     }
-    std::stable_sort(trees.begin(), trees.end(), [](const Lines& a, const Lines& b) { return a.size() > b.size(); });
+    std::stable_sort(trees.begin(), trees.end(),
+                     [](const Lines& a, const Lines& b) { return a.size() > b.size(); });
     locations = DArray<GraphUtils::LineLocation>(n);
     for (int t = 0; t < trees.size(); ++t) {
         for (int p = 0; p < trees[t].size(); ++p) {

@@ -19,7 +19,8 @@ TEST(SpatialGraphAnalysisCommandsTest, LengthsOfEdgesAndOfTheGraph) {
     EXPECT_NEAR(std::atof(evalOk(tcl, "chain totalLength").c_str()), 4.6, 1e-5);
     EXPECT_NE(evalOk(tcl, "chain help").find("edgeLength e\n"), std::string::npos);
     KxMessageCapture console;
-    const char* wrong[] = {"chain edgeLength 3", "chain edgeLength x", "chain edgeLength", "chain totalLength 1"};
+    const char* wrong[] = {"chain edgeLength 3", "chain edgeLength x", "chain edgeLength",
+                           "chain totalLength 1"};
     for (const char* script : wrong) {
         SCOPED_TRACE(script);
         std::string message = evalError(tcl, script);

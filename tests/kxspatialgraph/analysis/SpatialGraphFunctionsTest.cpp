@@ -36,10 +36,12 @@ void resampleOneGapAtATime(KxSpatialGraph& g, float m) {
 }  // namespace
 
 TEST(SpatialGraphFunctionsTest, KindsOfVerticesAndContours) {
-    // 0 -- 1 -- 2 with 2 -- 3, 2 -- 4; a loop edge at 5; 6 and 7 0.00005 apart, 8 and 9 0.0002 apart; 10 alone.
+    // 0 -- 1 -- 2 with 2 -- 3, 2 -- 4; a loop edge at 5; 6 and 7 0.00005 apart, 8 and 9 0.0002 apart; 10
+    // alone.
     auto g = std::make_unique<KxSpatialGraph>();
-    for (Vec3f c : {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(2, 0, 0), Vec3f(3, 1, 0), Vec3f(3, -1, 0), Vec3f(5, 5, 5),
-                    Vec3f(6, 0, 0), Vec3f(6.00005f, 0, 0), Vec3f(7, 0, 0), Vec3f(7.0002f, 0, 0), Vec3f(9, 9, 9)}) {
+    for (Vec3f c :
+         {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(2, 0, 0), Vec3f(3, 1, 0), Vec3f(3, -1, 0), Vec3f(5, 5, 5),
+          Vec3f(6, 0, 0), Vec3f(6.00005f, 0, 0), Vec3f(7, 0, 0), Vec3f(7.0002f, 0, 0), Vec3f(9, 9, 9)}) {
         g->addVertex(c);
     }
     for (auto [s, t] : {std::pair{0, 1}, {1, 2}, {2, 3}, {2, 4}, {5, 5}, {6, 7}, {8, 9}}) {
@@ -51,7 +53,9 @@ TEST(SpatialGraphFunctionsTest, KindsOfVerticesAndContours) {
     EXPECT_EQ(SpatialGraphFunctions::getNodeType(g.get(), 10), NodeType::ISOLATED_NODE);
     SpatialGraphSelection selection(g.get());
     selection.selectAllVertices();
-    EXPECT_EQ(SpatialGraphFunctions::getNumberOfNodesOfTypeInSelection(g.get(), selection, NodeType::INTERMEDIATE_NODE), 2);
+    EXPECT_EQ(SpatialGraphFunctions::getNumberOfNodesOfTypeInSelection(g.get(), selection,
+                                                                       NodeType::INTERMEDIATE_NODE),
+              2);
     const int cases[][3] = {{4, 5, 1}, {5, 6, 1}, {6, 8, 0}, {0, 0, 0}};  // edge, its vertex, contour
     for (const int* c : cases) {
         EXPECT_EQ(SpatialGraphFunctions::isContour(g.get(), c[0]), c[2] != 0) << c[0];

@@ -25,5 +25,6 @@ TEST(TreeReportTest, PrintsAndStoresTreesRanksAndLoops) {
               "Loop 1: 1 lines: 3\nLoop-generating lines: 3\n");
     EXPECT_NE(printed.find("Line 3: tree 0, rank 1, loop 1\n"), std::string::npos) << printed;
     EXPECT_EQ(g->findEdgeAttribute("Loop")->getIntDataAtIdx(0), -1);
-    EXPECT_EQ(g->getLabelId(g->findEdgeAttribute("Ranks"), "Rank2"), g->findEdgeAttribute("Ranks")->getIntDataAtIdx(3));
+    EXPECT_EQ(g->getLabelId(g->findEdgeAttribute("Ranks"), "Rank2"),
+              g->findEdgeAttribute("Ranks")->getIntDataAtIdx(3));
 }
