@@ -99,6 +99,16 @@ SpatialGraphSelection withLabelId(const KxSpatialGraph* graph, KxSpatialGraph::L
     return selection;
 }
 
+DArray<int> nodesOfType(const KxSpatialGraph* graph, NodeType::Enum type) {
+    DArray<int> nodes;
+    for (int v = 0; v < graph->getNumVertices(); ++v) {
+        if (SpatialGraphFunctions::getNodeType(graph, v) == type) {
+            nodes.append(v);
+        }
+    }
+    return nodes;
+}
+
 }  // namespace
 
 NodeType::Enum SpatialGraphFunctions::getNodeType(const KxSpatialGraph* graph, int v) {
@@ -115,23 +125,11 @@ bool SpatialGraphFunctions::isBranchingNode(const KxSpatialGraph* graph, int v) 
 }
 
 DArray<int> SpatialGraphFunctions::getEndingNodes(const KxSpatialGraph* graph) {
-    DArray<int> nodes;
-    for (int v = 0; v < graph->getNumVertices(); ++v) {
-        if (isEndingNode(graph, v)) {
-            nodes.append(v);
-        }
-    }
-    return nodes;
+    return nodesOfType(graph, NodeType::ENDING_NODE);
 }
 
 DArray<int> SpatialGraphFunctions::getBranchingNodes(const KxSpatialGraph* graph) {
-    DArray<int> nodes;
-    for (int v = 0; v < graph->getNumVertices(); ++v) {
-        if (isBranchingNode(graph, v)) {
-            nodes.append(v);
-        }
-    }
-    return nodes;
+    return nodesOfType(graph, NodeType::BRANCHING_NODE);
 }
 
 int SpatialGraphFunctions::getNumberOfNodesOfTypeInSelection(const KxSpatialGraph* graph,
