@@ -86,6 +86,12 @@ public:
     void setEdgePoints(int e, const DArray<Vec3f>& pts);
     // Inserts pts before point i of edge e; point attributes get zero values there.
     void insertEdgePoints(int e, int i, const DArray<Vec3f>& pts);
+    // Inserts counts[k] points, taken in order from pts, before point
+    // at[k].pointNum of edge at[k].edgeNum (its point count appends), for
+    // every k in one pass: at is ascending and free of duplicates. Point
+    // attributes get zero values there. The bulk form of insertEdgePoints.
+    void insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts,
+                                  const DArray<Vec3f>& pts);
     // Removes n points of edge e from point i, with their attribute values.
     void removeEdgePoints(int e, int i, int n);
     // The whole point storage, for passes over every point of every edge.

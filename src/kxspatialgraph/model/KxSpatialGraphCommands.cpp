@@ -16,6 +16,7 @@
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/korvamesh/KorvaMesh.h"
+#include "kxspatialgraph/analysis/SpatialGraphAnalysisCommands.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
@@ -323,6 +324,7 @@ int helpCommand(Tcl_Interp* interp) {
         text += c.usage;
         text += '\n';
     }
+    text += SpatialGraphAnalysisCommands::usageLines();
     Tcl_SetObjResult(interp, Tcl_NewStringObj(text.c_str(), -1));
     return TCL_OK;
 }
@@ -333,9 +335,14 @@ void KxSpatialGraph::registerConsoleCommands() {
     for (const NamedCommand& c : kCommands) {
         theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);
     }
+    SpatialGraphAnalysisCommands::registerCommands();
 }
 
 int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
+    int result = TCL_OK;
+    if (SpatialGraphAnalysisCommands::parse(*this, interp, argc, argv, result)) {
+        return result;
+    }
     if (argc >= 2) {
         for (const NamedCommand& c : kCommands) {
             if (std::strcmp(argv[1], c.name) == 0) {

@@ -126,6 +126,23 @@ void PointAttribute::insertEdgePoints(int e, int p, int n) {
     EdgeBlockLayout::shiftOffsets(offsets_, e + 1, n);
 }
 
+void PointAttribute::insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at,
+                                              const DArray<int>& counts) {
+    int added = 0;
+    for (int n : counts) {
+        added += n;
+    }
+    if (added == 0) {
+        return;
+    }
+    resizeValues(size() + added);
+    DArray<int> gaps =
+        EdgeBlockLayout::openGapsInEdges(bytes_.data(), getElementSize(), offsets_, at, counts);
+    for (int k = 0; k < gaps.size(); ++k) {
+        std::memset(bytes_.data() + elementBytes(gaps[k]), 0, elementBytes(counts[k]));
+    }
+}
+
 void PointAttribute::removeEdgePoints(int e, int p, int n) {
     if (n == 0) {
         return;

@@ -6,6 +6,7 @@
 #include "korva/base/TypedData2D.h"
 #include "korva/base/TypedElement.h"
 #include "kxspatialgraph/model/GraphAttribute.h"
+#include "kxspatialgraph/model/SpatialGraphPoint.h"
 
 // An attribute with one value per edge point, laid out like the edge point
 // storage: the values of edge 0's points, then edge 1's, ... in one raw byte
@@ -41,6 +42,9 @@ public:
     void insertValuesForMultipleEdges(const DArray<int>& edges, const DArray<TypedData2D>& v);
     // Opens n zero values before point p of edge e; n = 0 does nothing.
     void insertEdgePoints(int e, int p, int n);
+    // Opens counts[k] zero values before point at[k] (at ascending, no
+    // duplicates) in one pass.
+    void insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts);
     // Removes n values from point p of edge e; n = 0 does nothing.
     void removeEdgePoints(int e, int p, int n);
     // If n > 0 and differs from the edge's count: the block grows or shrinks
