@@ -17,6 +17,7 @@
 #include "KorvaSubcommand.h"
 #include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxTclInterpreter.h"
 
 namespace {
 
@@ -62,9 +63,7 @@ int runFileArgument(KorvaSession& session, int argc, char** argv) {
     return status == 0 && isatty(STDIN_FILENO) ? session.runConsole() : status;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     if (argc >= 2 && isOneOf(argv[1], "-h", "--help", "help")) {
         printUsage(stdout);
         return 0;
@@ -88,4 +87,17 @@ int main(int argc, char** argv) {
         return subcommand->run(session, argc - 2, argv + 2);
     }
     return runFileArgument(session, argc, argv);
+}
+
+}  // namespace
+
+// A C++ exception that no command caught (e.g. out of memory in a batch
+// subcommand) ends the run with an error line instead of an abort.
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (...) {
+        theMsg->print(KxTclInterpreter::currentExceptionLine());
+        return 1;
+    }
 }

@@ -14,10 +14,14 @@
 
 #include "korva/core/KxClassRegistry.h"
 #include "korva/core/KxCommandReply.h"
+#include "korva/core/KxParamBundle.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
+#include "korva/korvamesh/KorvaMesh.h"
+#include "kxspatialgraph/analysis/SpatialGraphAnalysisCommands.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/model/SpatialGraphCommand.h"
 
@@ -100,9 +104,11 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
     if (!isInt && std::strcmp(args[2], "float") != 0) {
         return KxCommandReply::usage(interp, text);
     }
-    if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1)) {
-        return KxCommandReply::failf(interp, "Error: nDataVar must be a positive number, not \"%s\".",
-                                     args[3]);
+    // The same bound as attributes read from files.
+    if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1 ||
+                       nDataVar > KorvaMesh::kMaxComponents)) {
+        return KxCommandReply::failf(interp, "Error: nDataVar must be a number from 1 to %d, not \"%s\".",
+                                     KorvaMesh::kMaxComponents, args[3]);
     }
     graph.addAttribute(args[0], loc, isInt ? PrimType::INT32 : PrimType::FLOAT32, nDataVar);
     graph.touch(KxData::NEW_DATA);
@@ -133,7 +139,7 @@ int setValueCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
         return KxCommandReply::failf(interp, "Error: Attribute %s is neither int nor float.", a->getName());
     }
     // All components are read before the value is touched.
-    std::vector<unsigned char> value(static_cast<size_t>(a->getElementSize()));
+    std::vector<unsigned char> value(a->getElementSize());
     for (int i = 0; i < a->getNumDataVar(); ++i) {
         char* word = args[firstValue + i];
         bool ok = a->getPrimType() == PrimType::INT32
@@ -178,13 +184,17 @@ int addLabelCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
     if (nargs != 6) {
         return KxCommandReply::usage(interp, text);
     }
-    if (!graph.getLabelGroup(args[0])) {
+    HierarchicalLabels* labels = graph.getLabelGroup(args[0]);
+    if (!labels) {
         return KxCommandReply::failf(interp, "Error: Label group %s not found.", args[0]);
     }
     if (!parseInt(interp, args[1], parentId) || !parseFloats(interp, 3, args + 3, rgb)) {
         return TCL_ERROR;
     }
-    int id = graph.addLabel(args[0], parentId, args[2], SbColor(rgb));
+    int id = labels->addLabel(parentId, args[2], SbColor(rgb));
+    if (id < 0 && labels->getLabelBundle(parentId)) {
+        return KxCommandReply::failf(interp, "Error: Labels nest at most %d levels deep.", KxParamBundle::kMaxDepth);
+    }
     if (id < 0) {
         return KxCommandReply::failf(interp, "Error: Label group %s has no label with id %d.", args[0],
                                      parentId);
@@ -251,9 +261,14 @@ void KxSpatialGraph::registerConsoleCommands() {
             theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);
         }
     }
+    SpatialGraphAnalysisCommands::registerCommands();
 }
 
 int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
+    int result = TCL_OK;
+    if (SpatialGraphAnalysisCommands::parse(*this, interp, argc, argv, result)) {
+        return result;
+    }
     if (argc >= 2) {
         for (const SpatialGraphCommandTable* table : spatialGraphCommandTables()) {
             for (const SpatialGraphCommand& c : *table) {
@@ -261,6 +276,9 @@ int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
                     return c.run(*this, interp, argc - 2, argv + 2, c.usage);
                 }
             }
+        }
+        if (std::strcmp(argv[1], "edit") == 0) {
+            return parseEditCommand(*this, interp, argc, argv);
         }
     }
     return KxSpatialData::parse(interp, argc, argv);
