@@ -74,6 +74,11 @@ public:
     bool insert(const K& key, const V& value);
     // Inserts or replaces.
     void set(const K& key, const V& value);
+    // The value of key; if key is absent it is inserted with value first and
+    // inserted is set. The reference is valid until the next insertion.
+    V& findOrInsert(const K& key, const V& value, bool& inserted);
+    // Room for n entries, so that inserting up to n keys rebuilds nothing.
+    void reserve(int n);
     V* lookup(const K& key);
     const V* lookup(const K& key) const;
     bool lookup(const K& key, V& value) const;
@@ -110,6 +115,8 @@ private:
     static constexpr int32_t kRemoved = -2;
 
     int findEntry(const K& key) const;
+    // Appends key, which must be absent, and answers its entry index.
+    int insertNew(const K& key, const V& value);
     void rebuild(size_t slotCount);
     size_t slotMask() const { return slots_.size() - 1; }
 
@@ -163,6 +170,12 @@ bool HashTable<K, V>::insert(const K& key, const V& value) {
     if (findEntry(key) >= 0) {
         return false;
     }
+    insertNew(key, value);
+    return true;
+}
+
+template <class K, class V>
+int HashTable<K, V>::insertNew(const K& key, const V& value) {
     // Keep the load (alive entries and removal markers) under one half. Dead
     // entries count too: inserting and removing one key again and again reuses
     // its slot but appends a new entry each time, and the rebuild drops them.
@@ -183,7 +196,29 @@ bool HashTable<K, V>::insert(const K& key, const V& value) {
     slots_[i] = static_cast<int32_t>(entries_.size());
     entries_.push_back(Entry{Stored(key), value, true});
     ++numAlive_;
-    return true;
+    return static_cast<int>(entries_.size()) - 1;
+}
+
+template <class K, class V>
+V& HashTable<K, V>::findOrInsert(const K& key, const V& value, bool& inserted) {
+    int e = findEntry(key);
+    inserted = e < 0;
+    if (inserted) {
+        e = insertNew(key, value);
+    }
+    return entries_[static_cast<size_t>(e)].value;
+}
+
+template <class K, class V>
+void HashTable<K, V>::reserve(int n) {
+    size_t slotCount = std::max<size_t>(slots_.size(), 16);
+    while (slotCount < static_cast<size_t>(std::max(n, numAlive_) + 1) * 4) {
+        slotCount *= 2;
+    }
+    if (slotCount > slots_.size()) {
+        rebuild(slotCount);
+    }
+    entries_.reserve(static_cast<size_t>(std::max(n, 0)));
 }
 
 template <class K, class V>
