@@ -355,8 +355,9 @@ public:
           visited_(visited),
           file_(file) {}
 
-    // Writes edge's own lines (unless visited) and answers where the walk goes on.
-    SWCWalkFrame write(int edge, const Vec3f& from, int parent, int& next);
+    // Writes edge's own lines (unless visited), entering it at fromVertex,
+    // and answers where the walk goes on.
+    SWCWalkFrame write(int edge, int fromVertex, const Vec3f& from, int parent, int& next);
 
 private:
     int typeAt(int edge, int p) const {
@@ -373,30 +374,31 @@ private:
     MorphologyTextWriter& file_;
 };
 
-SWCWalkFrame SWCEdgeWriter::write(int edge, const Vec3f& from, int parent, int& next) {
+// Deliberate: the end at which the walk enters an edge is the end at the
+// vertex it comes from, rather than the end whose position equals the point
+// reached. Both agree on every edge whose ends lie apart; on an edge whose
+// two ends share one position (a leaf placed on the soma's centre) the
+// position test would write the wrong end's radius and type.
+SWCWalkFrame SWCEdgeWriter::write(int edge, int fromVertex, const Vec3f& from, int parent, int& next) {
     int n = 0;
     const Vec3f* points = graph_->doGetEdgePoints(edge, n);
-    Vec3f reached = from;
-    int lastId = parent;
-    if (!visited_[static_cast<size_t>(edge)]) {
-        const bool forward = n > 0 && from == points[0];
-        for (int k = parent == -1 ? 0 : 1; k < n; ++k) {
-            const int p = forward ? k : n - 1 - k;
-            const Vec3f& point = points[p];
-            file_.character(' ').integer(next).character(' ').integer(typeAt(edge, p)).character(' ');
-            file_.fixed(point.x).character(' ').fixed(point.y).character(' ').fixed(point.z).character(' ');
-            file_.fixed(thickness_ ? thickness_->getFloatDataAtPoint(edge, p) : 1.0);
-            file_.character(' ').integer(lastId).character('\n');
-            lastId = next++;
-        }
-        if (n > 0) {
-            reached = points[forward ? n - 1 : 0];
-        }
-        visited_[static_cast<size_t>(edge)] = true;
+    if (visited_[static_cast<size_t>(edge)]) {
+        return SWCWalkFrame{fromVertex, from, parent, 0};
     }
-    int source = graph_->doGetEdgeSource(edge);
-    int far = graph_->doGetVertexCoords(source) == reached ? source : graph_->doGetEdgeTarget(edge);
-    return SWCWalkFrame{far, reached, lastId, 0};
+    const bool forward = graph_->doGetEdgeSource(edge) == fromVertex;
+    int lastId = parent;
+    for (int k = parent == -1 ? 0 : 1; k < n; ++k) {
+        const int p = forward ? k : n - 1 - k;
+        const Vec3f& point = points[p];
+        file_.character(' ').integer(next).character(' ').integer(typeAt(edge, p)).character(' ');
+        file_.fixed(point.x).character(' ').fixed(point.y).character(' ').fixed(point.z).character(' ');
+        file_.fixed(thickness_ ? thickness_->getFloatDataAtPoint(edge, p) : 1.0);
+        file_.character(' ').integer(lastId).character('\n');
+        lastId = next++;
+    }
+    visited_[static_cast<size_t>(edge)] = true;
+    const int far = forward ? graph_->doGetEdgeTarget(edge) : graph_->doGetEdgeSource(edge);
+    return SWCWalkFrame{far, n > 0 ? points[forward ? n - 1 : 0] : from, lastId, 0};
 }
 
 const GraphAttribute* findIntAttribute(const GraphAttribute* a) {
@@ -411,7 +413,9 @@ int writeEdge(int edge, const Vec3f& from, int parent, int next, std::vector<boo
     SWCEdgeWriter writer(graph, topology, thickness, visited, file);
     // Depth first like a recursion over the far vertices' edges, in incidence order.
     std::vector<SWCWalkFrame> stack;
-    stack.push_back(writer.write(edge, from, parent, next));
+    const int source = graph->doGetEdgeSource(edge);
+    const int fromVertex = graph->doGetVertexCoords(source) == from ? source : graph->doGetEdgeTarget(edge);
+    stack.push_back(writer.write(edge, fromVertex, from, parent, next));
     while (!stack.empty()) {
         SWCWalkFrame& frame = stack.back();
         const SmallArray<int, 2>& incident = graph->doGetIncidentEdges(frame.vertex);
@@ -424,7 +428,7 @@ int writeEdge(int edge, const Vec3f& from, int parent, int next, std::vector<boo
             continue;
         }
         int e = incident[frame.nextIncident++];
-        SWCWalkFrame child = writer.write(e, frame.reached, frame.parent, next);
+        SWCWalkFrame child = writer.write(e, frame.vertex, frame.reached, frame.parent, next);
         stack.push_back(child);
     }
     return next;
