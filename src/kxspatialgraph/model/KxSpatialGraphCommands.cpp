@@ -286,6 +286,23 @@ int isConsistentCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int, char**, 
     return TCL_OK;
 }
 
+// totalLength -> the summed lengths of all edges' polylines, untransformed.
+int totalLengthCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**, const char* text) {
+    if (nargs != 0) {
+        return usage(interp, text);
+    }
+    double length = 0.0;
+    for (int e = 0; e < graph.getNumEdges(); ++e) {
+        int n = 0;
+        const Vec3f* points = graph.getEdgePoints(e, n);
+        for (int i = 1; i < n; ++i) {
+            length += points[i].distance(points[i - 1]);
+        }
+    }
+    Tcl_SetObjResult(interp, Tcl_NewDoubleObj(length));
+    return TCL_OK;
+}
+
 struct NamedCommand {
     const char* name;
     const char* usage;
@@ -304,6 +321,7 @@ const NamedCommand kCommands[] = {
     {"addLabel", "addLabel group parentId name r g b", addLabelCommand},
     {"getBoundingBox", "getBoundingBox ?transformed?", getBoundingBoxCommand},
     {"isConsistent", "isConsistent", isConsistentCommand},
+    {"totalLength", "totalLength", totalLengthCommand},
 };
 
 // help: one usage line per command of the graph.
