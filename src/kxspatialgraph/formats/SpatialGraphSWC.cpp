@@ -33,6 +33,16 @@ struct SWCRecord {
     bool defined = false;  // false for an id only named as a parent
 };
 
+// The hash of SWC ids. Ids mostly count up, so neighbouring ids keep
+// neighbouring slots (within blocks of 65536), which turns the misses of a
+// large table into a stream; the bits above 16 are spread by a multiplier.
+struct SWCIdHashing : HashKeyTraits<int> {
+    static uint64_t hash(int id) {
+        uint64_t x = static_cast<uint32_t>(id);
+        return x + (x >> 16) * 0x9e3779b97f4a7c15ull;
+    }
+};
+
 // Deliberate: the counter lives for the whole process, so label colours
 // differ from file to file within one session.
 int sLabelColorCounter = 0;
@@ -92,10 +102,12 @@ private:
     const char* begin_;
     const char* end_;
     const char* name_;
-    HashTable<int, int> ids_;  // id -> index into records_; iterates in records_'s order
+    HashTable<int, int, SWCIdHashing> ids_;  // id -> index into records_; iterates in records_'s order
     std::vector<SWCRecord> records_;
     HashTable<int, int> types_;  // the types that occur, in order of appearance
     int lastType_ = 0;
+    int lastId_ = 0;
+    int lastIndex_ = -1;
     int numRepeated_ = 0;
     int firstRepeatedLine_ = 0;
     // The graph being built: the run being walked and every point's radius and type.
@@ -211,9 +223,12 @@ void SWCReader::addRecord(int id, int type, const Vec3f& position, float radius,
     }
     // The -1 record is counted like any other, so that the table holds the
     // same records the reading rules name; being a root's parent, it is never walked.
-    int parentIndex = recordOf(parent);
+    // Most lines name the line before as parent.
+    int parentIndex = parent == lastId_ && lastIndex_ >= 0 ? lastIndex_ : recordOf(parent);
     records_[static_cast<size_t>(parentIndex)].childCount++;
     records_[static_cast<size_t>(index)].parentRecord = parent == -1 ? -1 : parentIndex;
+    lastId_ = id;
+    lastIndex_ = index;
 }
 
 void SWCReader::warnAboutGaps() const {
