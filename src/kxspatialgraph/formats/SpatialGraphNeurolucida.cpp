@@ -7,6 +7,7 @@
 
 #include "korva/core/KxMessageConsole.h"
 #include "kxspatialgraph/formats/NeurolucidaStreamer.h"
+#include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphInterface.h"
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
@@ -84,10 +85,6 @@ int saveNeurolucidaASCII(const KxSpatialGraphInterface* graph, const char* filen
 }
 
 int kxspatialgraphWriteNeurolucida(KxData* data, const char* filename) {
-    KxSpatialGraph* graph = dynamic_cast<KxSpatialGraph*>(data);
-    if (!graph) {
-        theMsg->printf("Error: Neurolucida files hold spatial graphs, not %s.", data->getTypeName());
-        return 0;
-    }
-    return saveNeurolucidaASCII(graph->getSpatialGraphInterface(), filename);
+    const KxSpatialGraphInterface* graph = spatialGraphToWrite(data, "Neurolucida");
+    return graph ? saveNeurolucidaASCII(graph, filename) : 0;
 }

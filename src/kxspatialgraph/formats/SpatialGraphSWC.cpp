@@ -523,10 +523,6 @@ int kxspatialgraphReadSWC(const char* filename) {
 }
 
 int kxspatialgraphWriteSWC(KxData* data, const char* filename) {
-    KxSpatialGraph* graph = dynamic_cast<KxSpatialGraph*>(data);
-    if (!graph) {
-        theMsg->printf("Error: SWC files hold spatial graphs, not %s.", data->getTypeName());
-        return 0;
-    }
-    return writeSWC(graph->getSpatialGraphInterface(), filename);
+    const KxSpatialGraphInterface* graph = spatialGraphToWrite(data, "SWC");
+    return graph ? writeSWC(graph, filename) : 0;
 }

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <clocale>
-#include <locale>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -12,6 +10,7 @@
 
 #include "kxspatialgraph/formats/SpatialGraphSWC.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "support/DecimalCommaLocale.h"
 #include "support/GraphFixtures.h"
 #include "support/MorphologyGenerators.h"
 
@@ -113,17 +112,12 @@ TEST(SpatialGraphNeurolucidaTest, DeepNestingNeedsNoDeepStackAndNumbersIgnoreThe
     std::unique_ptr<KxSpatialGraph> path = makePath();
     path->setVertexCoords(0, Vec3f(0.5f, 0, 0));
     path->setEdgePoint(0, 0, Vec3f(0.5f, 0, 0));
-    std::string previous = std::setlocale(LC_ALL, nullptr);
-    std::locale previousGlobal;
-    try {
-        std::locale::global(std::locale("de_DE.UTF-8"));
-    } catch (const std::runtime_error&) {
+    DecimalCommaLocale locale;
+    if (!locale.active()) {
         GTEST_SKIP() << "no locale with a decimal comma is installed";
     }
     std::ostringstream out;
     SpatialGraph2Neurolucida(path->getSpatialGraphInterface(), out);
-    std::locale::global(previousGlobal);
-    std::setlocale(LC_ALL, previous.c_str());
     EXPECT_NE(out.str().find("(0.5 -0 -0  1) ; Root\n"), std::string::npos) << out.str();
 }
 

@@ -1,7 +1,6 @@
 #include "kxspatialgraph/formats/SpatialGraphSWC.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cmath>
 #include <memory>
 #include <sstream>
@@ -13,14 +12,13 @@
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageCapture.h"
-#include "korva/core/KxObjectPool.h"
-#include "korva/core/KxPackageLoader.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
+#include "support/DecimalCommaLocale.h"
 #include "support/GraphComparison.h"
 #include "support/MorphologyGenerators.h"
-#include "support/TempDir.h"
+#include "support/PackageFormatsTest.h"
 
 namespace {
 
@@ -295,20 +293,8 @@ TEST(SpatialGraphSWCTest, WriterWalksFromRankedLinesAndWritesExactColumns) {
     EXPECT_EQ(messages(capture), "Warning: Isolated node 4 ...");
 }
 
-class SpatialGraphSWCFilesTest : public ::testing::Test {
+class SpatialGraphSWCFilesTest : public PackageFormatsTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(thePackageLoader->load("kxspatialgraph")); }
-    void TearDown() override {
-        for (KxObject* o : created_) {
-            theObjectPool->remove(o);
-        }
-    }
-    KxSpatialGraph* load(const std::string& path) {
-        std::vector<KxObject*> created;
-        bool ok = theFileFormats->load(path.c_str(), created, *theObjectPool);
-        created_.insert(created_.end(), created.begin(), created.end());
-        return ok && created.size() == 1 ? dynamic_cast<KxSpatialGraph*>(created[0]) : nullptr;
-    }
     std::string save(KxSpatialGraph* graph, const char* name) {
         std::string path = dir_.path(name);
         const KxFileFormat* format = theFileFormats->findWriter(path.c_str(), graph);
@@ -321,9 +307,6 @@ protected:
         EXPECT_TRUE(file.load(path.c_str(), error)) << error;
         return std::string(file.data(), file.size());
     }
-
-    TempDir dir_;
-    std::vector<KxObject*> created_;
 };
 
 // Every fixture loads consistently; its export describes the same tree of
@@ -422,23 +405,14 @@ TEST(SpatialGraphSWCTest, DeepTreesNeedNoDeepStack) {
 }
 
 TEST(SpatialGraphSWCTest, NumbersIgnoreTheLocale) {
-    const char* locales[] = {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"};
-    std::string previous = std::setlocale(LC_ALL, nullptr);
-    const char* found = nullptr;
-    for (const char* name : locales) {
-        if (!found && std::setlocale(LC_ALL, name)) {
-            found = name;
-        }
-    }
-    if (!found) {
+    DecimalCommaLocale locale;
+    if (!locale.active()) {
         GTEST_SKIP() << "no locale with a decimal comma is installed";
     }
     std::unique_ptr<KxSpatialGraph> g = read("1 1 0 0 0 1.5 -1\n2 3 0.5 0.25 0 0.75 1\n");
-    std::string text = g ? write(*g) : "";
-    std::setlocale(LC_ALL, previous.c_str());
     ASSERT_TRUE(g);
     EXPECT_EQ(g->getVertexCoords(0), Vec3f(0.5f, 0.25f, 0));
-    EXPECT_EQ(text.substr(0, 45), " 1 3 0.500000 0.250000 0.000000 0.750000 -1\n ");
+    EXPECT_EQ(write(*g).substr(0, 45), " 1 3 0.500000 0.250000 0.000000 0.750000 -1\n ");
 }
 
 }  // namespace
