@@ -26,6 +26,7 @@
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "kxspatialgraph/view/SoTubeSet.h"
 #include "kxspatialgraph/view/SpatialGraphViewNode.h"
+#include "support/SoTubeSetTestAccess.h"
 
 namespace {
 
@@ -69,7 +70,7 @@ void BM_GpuTubes(benchmark::State& state) {
     SpatialGraphSelection visible(graph->getNumVertices(), graph->getNumEdges());
     visible.selectAllVerticesAndEdges();
     SpatialGraphViewNode node(graph->getSpatialGraphInterface());
-    node.makeTubes2(&visible);
+    node.makeGpuTubes(&visible);
     node.setTubeScaleFactor(0.3f);
     timeFrames(state, node.getSpatialGraphNode());
 }
@@ -80,7 +81,7 @@ void BM_LegacyTubes(benchmark::State& state) {
     SpatialGraphSelection visible(graph->getNumVertices(), graph->getNumEdges());
     visible.selectAllVerticesAndEdges();
     SpatialGraphViewNode node(graph->getSpatialGraphInterface());
-    node.makeTubes(&visible, nullptr, nullptr, 0.6f, false);
+    node.makeLegacyTubes(&visible, nullptr, nullptr, 0.6f, false);
     timeFrames(state, node.getSpatialGraphNode());
 }
 
@@ -97,8 +98,8 @@ void BM_CoinTriangleStrips(benchmark::State& state) {
         const Vec3f* points = graph->getEdgePoints(e, n);
         tubes->setLine(static_cast<unsigned int>(e), n, points);
     }
-    tubes->generateTubeGeometry();
-    const std::vector<Vec3f>& vertices = tubes->getTubeVertices();
+    SoTubeSetTestAccess::generateTubeGeometry(*tubes);
+    const std::vector<Vec3f>& vertices = SoTubeSetTestAccess::tubeVertices(*tubes);
     auto* coords = new SoCoordinate3;
     coords->point.setNum(static_cast<int>(vertices.size()));
     auto* normals = new SoNormal;
@@ -107,7 +108,8 @@ void BM_CoinTriangleStrips(benchmark::State& state) {
     SbVec3f* normal = normals->vector.startEditing();
     for (int e = 0; e < graph->getNumEdges(); ++e) {
         // Vertex j·m + i of a line sits around point i; the normal points away from it.
-        unsigned int base = tubes->getTubeIndices()[tubes->getFirstIndex(e)];
+        unsigned int base =
+            SoTubeSetTestAccess::tubeIndices(*tubes)[SoTubeSetTestAccess::firstIndex(*tubes, e)];
         for (int j = 0; j < tubes->getTubeComplexity(); ++j) {
             for (int i = 0; i < kPointsPerEdge; ++i) {
                 unsigned int v = base + j * kPointsPerEdge + i;
@@ -122,10 +124,11 @@ void BM_CoinTriangleStrips(benchmark::State& state) {
     normals->vector.finishEditing();
     auto* strips = new SoIndexedTriangleStripSet;
     std::vector<int32_t> index;
-    index.reserve(tubes->getTubeIndices().size() + graph->getNumEdges());
+    index.reserve(SoTubeSetTestAccess::tubeIndices(*tubes).size() + graph->getNumEdges());
     for (int e = 0; e < graph->getNumEdges(); ++e) {
-        const unsigned int* first = &tubes->getTubeIndices()[tubes->getFirstIndex(e)];
-        index.insert(index.end(), first, first + tubes->getIndexCount(e));
+        const unsigned int* first =
+            &SoTubeSetTestAccess::tubeIndices(*tubes)[SoTubeSetTestAccess::firstIndex(*tubes, e)];
+        index.insert(index.end(), first, first + SoTubeSetTestAccess::indexCount(*tubes, e));
         index.push_back(-1);
     }
     strips->coordIndex.setValues(0, static_cast<int>(index.size()), index.data());
@@ -172,7 +175,7 @@ void BM_RecolourGpuTubes(benchmark::State& state) {
     KxInventor::init();
     ColouredGraph coloured(static_cast<int>(state.range(0)));
     SpatialGraphViewNode node(coloured.graph->getSpatialGraphInterface());
-    node.makeTubes2(&coloured.visible);
+    node.makeGpuTubes(&coloured.visible);
     node.setTubeScaleFactor(0.3f);
     node.setTubeColormap(&coloured.colormap);
     KxOffscreenRenderer renderer(kImageSize, kImageSize);
@@ -191,10 +194,10 @@ void BM_RecolourLegacyTubes(benchmark::State& state) {
     node.setEdgeColormapPort(&coloured.port);
     KxOffscreenRenderer renderer(kImageSize, kImageSize);
     SoNode* scene = node.getSpatialGraphNode();
-    node.makeTubes(&coloured.visible, coloured.values, nullptr, 0.6f, false);
+    node.makeLegacyTubes(&coloured.visible, coloured.values, nullptr, 0.6f, false);
     renderer.render(scene);
     for (auto _ : state) {
-        node.makeTubes(&coloured.visible, coloured.values, nullptr, 0.6f, false);
+        node.makeLegacyTubes(&coloured.visible, coloured.values, nullptr, 0.6f, false);
         renderer.render(scene);
     }
 }

@@ -10,6 +10,8 @@
 
 #include "KorvaSession.h"
 #include "KorvaSubcommand.h"
+#include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxTclInterpreter.h"
 
 namespace {
 
@@ -23,9 +25,7 @@ void printUsage(FILE* out) {
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     if (argc >= 2 && (std::strcmp(argv[1], "-h") == 0 || std::strcmp(argv[1], "--help") == 0)) {
         printUsage(stdout);
         return 0;
@@ -45,4 +45,17 @@ int main(int argc, char** argv) {
         return subcommand->run(session, argc - 2, argv + 2);
     }
     return session.runScript(argv[1], argc - 2, argv + 2);
+}
+
+}  // namespace
+
+// A C++ exception that no command caught (e.g. out of memory in a batch
+// subcommand) ends the run with an error line instead of an abort.
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (...) {
+        theMsg->print(KxTclInterpreter::currentExceptionLine());
+        return 1;
+    }
 }

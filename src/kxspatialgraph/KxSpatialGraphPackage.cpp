@@ -2,6 +2,7 @@
 
 #include "korva/core/KxClassRegistry.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
 #include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
 
 namespace {
@@ -18,6 +19,7 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     theClassRegistry->registerClass("KxSpatialGraph", "kxspatialgraph",
                                     []() -> KxObject* { return new KxSpatialGraph; });
     KxSpatialGraph::registerConsoleCommands();
+    registerEditCommands();
     // The read-only interfaces are known by name but not created on their own:
     // a graph makes its own interface object.
     for (const char* name : {"KxSpatialGraphInterface", "KxSpatialGraphInterfaceImpl",

@@ -166,6 +166,8 @@ std::string describeDifference(const GraphSnapshot& a, const GraphSnapshot& b,
     if (a.parameters != b.parameters) {
         return "parameters differ:\n" + a.parameters + "\nvs\n" + b.parameters;
     }
+    // Bit for bit: a copy or round trip must reproduce the matrix exactly.
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
     if (std::memcmp(a.transform, b.transform, sizeof(a.transform)) != 0) {
         return "transformations differ";
     }

@@ -1,5 +1,6 @@
 #include "support/RenderFixtures.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <cstdio>
 #include <sys/stat.h>
@@ -48,7 +49,7 @@ bool pixelNear(const KxOffscreenRenderer& renderer, int x, int y, const SbColor&
     unsigned char rgb[3];
     renderer.getPixel(x, y, rgb);
     for (int c = 0; c < 3; ++c) {
-        int expected = static_cast<int>(colour[c] * 255.0f + 0.5f);
+        auto expected = static_cast<int>(std::lround(colour[c] * 255.0f));
         if (std::abs(expected - rgb[c]) > tolerance) {
             why = describe(x, y, rgb);
             return false;

@@ -6,7 +6,7 @@ void TypedData2D::reset(PrimType type, int numRows, int numComponents) {
     type_ = type;
     numRows_ = numRows;
     numComponents_ = numComponents;
-    bytes_.assign(static_cast<size_t>(numRows) * static_cast<size_t>(getRowBytes()), 0);
+    bytes_.assign(static_cast<size_t>(numRows) * getRowBytes(), 0);
 }
 
 double TypedData2D::getDouble(int row, int component) const {

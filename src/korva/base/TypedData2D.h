@@ -18,14 +18,10 @@ public:
     PrimType getPrimType() const { return type_; }
     int getNumRows() const { return numRows_; }
     int getNumComponents() const { return numComponents_; }
-    int getRowBytes() const { return numComponents_ * type_.getSize(); }
+    size_t getRowBytes() const { return static_cast<size_t>(numComponents_) * type_.getSize(); }
 
-    void* getRow(int row) {
-        return bytes_.data() + static_cast<size_t>(row) * static_cast<size_t>(getRowBytes());
-    }
-    const void* getRow(int row) const {
-        return bytes_.data() + static_cast<size_t>(row) * static_cast<size_t>(getRowBytes());
-    }
+    void* getRow(int row) { return bytes_.data() + static_cast<size_t>(row) * getRowBytes(); }
+    const void* getRow(int row) const { return bytes_.data() + static_cast<size_t>(row) * getRowBytes(); }
     void* getData() { return bytes_.data(); }
     const void* getData() const { return bytes_.data(); }
 

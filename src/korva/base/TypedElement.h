@@ -18,7 +18,7 @@ public:
 
     PrimType getPrimType() const { return type_; }
     int getNumComponents() const { return numComponents_; }
-    int getNumBytes() const { return static_cast<int>(bytes_.size()); }
+    size_t getNumBytes() const { return bytes_.size(); }
 
     int getInt(int component) const;
     float getFloat(int component) const;

@@ -13,6 +13,7 @@
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "korva/core/KxUndoCommands.h"
 
 namespace {
 
@@ -59,7 +60,33 @@ KxTclInterpreter& session(ClientData cd) {
     return *static_cast<KxTclInterpreter*>(cd);
 }
 
+// Tcl's own load, renamed aside when the console commands are installed.
+constexpr const char* kTclLoad = "::korva::tclLoad";
+
+// Whether a load call is meant for Tcl: its options (-global, -lazy, --), a
+// static package (empty file name) or a shared library such as a binary
+// extension, e.g. from `package require Tk`.
+bool isTclLoad(Tcl_Interp* interp, Tcl_Obj* firstArgument) {
+    std::string file = Tcl_GetString(firstArgument);
+    if (file.empty() || file[0] == '-') {
+        return true;
+    }
+    std::string ext =
+        Tcl_Eval(interp, "info sharedlibextension") == TCL_OK ? Tcl_GetStringResult(interp) : ".so";
+    Tcl_ResetResult(interp);
+    return file.size() > ext.size() && (file.compare(file.size() - ext.size(), ext.size(), ext) == 0 ||
+                                        file.find(ext + ".") != std::string::npos);
+}
+
 int loadCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    if (objc >= 2 && isTclLoad(interp, objv[1])) {
+        std::vector<Tcl_Obj*> call(objv, objv + objc);
+        call[0] = Tcl_NewStringObj(kTclLoad, -1);
+        Tcl_IncrRefCount(call[0]);
+        int result = Tcl_EvalObjv(interp, objc, call.data(), 0);
+        Tcl_DecrRefCount(call[0]);
+        return result;
+    }
     if (objc < 2) {
         return usage(interp, "load FILE ?FILE ...?");
     }
@@ -161,6 +188,7 @@ std::string helpText() {
         "  remove OBJECT ?...?      remove objects (remove -all: every object)\n"
         "  all ?CLASS?              labels of the objects in the pool\n"
         "  create CLASS ?LABEL?     create an object of a registered class\n"
+        "  undo, redo               take back or repeat the newest edit of the session\n"
         "  help                     this text\n"
         "  quit ?CODE?              end the session\n"
         "  {label} command ?args?   a command of an object (try {label} info)\n";
@@ -197,15 +225,26 @@ int quitCmd(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) 
     return TCL_OK;
 }
 
+template <Tcl_ObjCmdProc* Command>
+int guarded(ClientData cd, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]) {
+    return KxTclInterpreter::guard(interp, [&] { return Command(cd, interp, objc, objv); });
+}
+
 }  // namespace
 
 void installConsoleCommands(KxTclInterpreter& tcl) {
     Tcl_Interp* interp = tcl.interp();
-    Tcl_CreateObjCommand(interp, "load", loadCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "save", saveCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "remove", removeCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "all", allCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "create", createCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "help", helpCmd, &tcl, nullptr);
-    Tcl_CreateObjCommand(interp, "quit", quitCmd, &tcl, nullptr);
+    Tcl_CmdInfo info;
+    if (!Tcl_GetCommandInfo(interp, kTclLoad, &info)) {
+        Tcl_Eval(interp, "namespace eval ::korva {}");
+        Tcl_Eval(interp, (std::string("rename load ") + kTclLoad).c_str());
+    }
+    Tcl_CreateObjCommand(interp, "load", guarded<loadCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "save", guarded<saveCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "remove", guarded<removeCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "all", guarded<allCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "create", guarded<createCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "help", guarded<helpCmd>, &tcl, nullptr);
+    Tcl_CreateObjCommand(interp, "quit", guarded<quitCmd>, &tcl, nullptr);
+    installUndoCommands(tcl);
 }

@@ -14,6 +14,7 @@
 #include "korva/core/KxData.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
+#include "korva/core/KxTextScanner.h"
 
 KxFileFormatRegistry& KxFileFormatRegistry::instance() {
     static KxFileFormatRegistry registry;
@@ -168,6 +169,7 @@ bool KxFileFormatRegistry::load(const char* filename, std::vector<KxObject*>& cr
     for (int i = 0; i < pool.size(); ++i) {
         before.push_back(pool.get(i));
     }
+    const int errorsBefore = theMsg->numErrorLines();
     int ok = format->read(filename);
     for (int i = 0; i < pool.size(); ++i) {
         KxObject* object = pool.get(i);
@@ -175,8 +177,11 @@ bool KxFileFormatRegistry::load(const char* filename, std::vector<KxObject*>& cr
             created.push_back(object);
         }
     }
-    if (!ok) {
+    // A reader that said what went wrong needs no second, vaguer line.
+    if (!ok && theMsg->numErrorLines() == errorsBefore) {
         theMsg->printf("Error: could not read %s as %s", filename, format->name.c_str());
+    }
+    if (!ok) {
         return false;
     }
     for (KxObject* object : created) {
@@ -197,20 +202,13 @@ bool KxFileFormatRegistry::save(const KxFileFormat& format, KxData* data, const 
                        data->getTypeName());
         return false;
     }
-    // The temporary file keeps the target's extension: writers may look at it.
-    std::string target = filename;
-    size_t slash = target.rfind('/');
-    std::string dir = slash == std::string::npos ? "" : target.substr(0, slash + 1);
-    std::string temp = dir + ".korva-save-" + std::to_string(getpid()) + "-" +
-                       target.substr(slash == std::string::npos ? 0 : slash + 1);
-    if (!format.write(data, temp.c_str())) {
-        std::remove(temp.c_str());
-        theMsg->printf("Error: could not write %s as %s", filename, format.name.c_str());
-        return false;
-    }
-    if (std::rename(temp.c_str(), filename) != 0) {
-        theMsg->printf("Error: cannot replace %s: %s", filename, std::strerror(errno));
-        std::remove(temp.c_str());
+    // The writer gets the user's file name (for its progress and messages)
+    // and replaces the file safely itself: one temporary file, one rename.
+    const int errorsBefore = theMsg->numErrorLines();
+    if (!format.write(data, filename)) {
+        if (theMsg->numErrorLines() == errorsBefore) {
+            theMsg->printf("Error: could not write %s as %s", filename, format.name.c_str());
+        }
         return false;
     }
     data->setSaveInfoParam(format.name.c_str());
@@ -223,67 +221,6 @@ bool KxFileFormatRegistry::save(const KxFileFormat& format, KxData* data, const 
 
 namespace {
 
-// Words, quoted strings, braces and line ends of a resource file.
-class ResourceScanner {
-public:
-    enum Token { END, NEWLINE, OPEN, CLOSE, WORD, BAD };
-
-    ResourceScanner(const char* text, size_t length) : p_(text), end_(text + length) {}
-
-    Token next(std::string& value) {
-        value.clear();
-        if (newlinePending_) {
-            ++line_;
-            newlinePending_ = false;
-        }
-        while (p_ < end_ && (*p_ == ' ' || *p_ == '\t' || *p_ == '\r')) {
-            ++p_;
-        }
-        if (p_ < end_ && *p_ == '#') {
-            while (p_ < end_ && *p_ != '\n') {
-                ++p_;
-            }
-        }
-        if (p_ >= end_) {
-            return END;
-        }
-        char c = *p_;
-        if (c == '\n') {
-            // Counted at the next token, so errors at a line end name their own line.
-            ++p_;
-            newlinePending_ = true;
-            return NEWLINE;
-        }
-        if (c == '{' || c == '}') {
-            ++p_;
-            return c == '{' ? OPEN : CLOSE;
-        }
-        if (c == '"') {
-            for (++p_; p_ < end_ && *p_ != '"' && *p_ != '\n'; ++p_) {
-                value += *p_;
-            }
-            if (p_ >= end_ || *p_ != '"') {
-                return BAD;
-            }
-            ++p_;
-            return WORD;
-        }
-        while (p_ < end_ && !std::isspace(static_cast<unsigned char>(*p_)) && *p_ != '{' && *p_ != '}' &&
-               *p_ != '"') {
-            value += *p_++;
-        }
-        return WORD;
-    }
-
-    int line() const { return line_; }
-
-private:
-    const char* p_;
-    const char* end_;
-    int line_ = 1;
-    bool newlinePending_ = false;
-};
-
 // A format block as written, before its functions are resolved.
 struct FormatText {
     KxFileFormat format;
@@ -291,52 +228,59 @@ struct FormatText {
     int line = 0;
 };
 
-bool parseFormats(ResourceScanner& scanner, std::vector<FormatText>& out, std::string& error) {
+bool isValue(KxTextScanner::Token t) {
+    return t == KxTextScanner::WORD || t == KxTextScanner::QUOTED;
+}
+
+// A key's values run to the end of its line or to the format's '}'.
+bool parseFormats(KxTextScanner& scanner, std::vector<FormatText>& out, std::string& error) {
     std::string word;
-    auto fail = [&](const std::string& what) {
-        error = "line " + std::to_string(scanner.line()) + ": " + what;
+    auto failAt = [&](int line, const std::string& what) {
+        error = "line " + std::to_string(line) + ": " + what;
         return false;
     };
+    auto fail = [&](const std::string& what) { return failAt(scanner.line(), what); };
+    auto nextLine = [&] { return scanner.lineAt(scanner.skipBlanks()); };
     while (true) {
-        ResourceScanner::Token t = scanner.next(word);
-        if (t == ResourceScanner::END) {
+        KxTextScanner::Token t = scanner.next(word);
+        if (t == KxTextScanner::END) {
             return true;
         }
-        if (t == ResourceScanner::NEWLINE) {
-            continue;
-        }
-        if (t != ResourceScanner::WORD || word != "format") {
+        if (t != KxTextScanner::WORD || word != "format") {
             return fail("expected 'format'");
         }
         FormatText entry;
-        entry.line = scanner.line();
-        if (scanner.next(entry.format.name) != ResourceScanner::WORD || entry.format.name.empty()) {
-            return fail("expected a format name after 'format'");
+        entry.line = nextLine();
+        if (!isValue(scanner.next(entry.format.name)) || entry.format.name.empty()) {
+            return failAt(entry.line, "expected a format name after 'format'");
         }
-        if (scanner.next(word) != ResourceScanner::OPEN) {
+        if (scanner.next(word) != KxTextScanner::OPEN) {
             return fail("expected '{' after the name of format \"" + entry.format.name + "\"");
         }
         while (true) {
             t = scanner.next(word);
-            if (t == ResourceScanner::NEWLINE) {
-                continue;
-            }
-            if (t == ResourceScanner::CLOSE) {
+            if (t == KxTextScanner::CLOSE) {
                 break;
             }
-            if (t != ResourceScanner::WORD) {
+            if (t != KxTextScanner::WORD) {
                 return fail("unterminated format \"" + entry.format.name + "\"");
             }
-            std::string key = word;
+            const std::string key = word;
+            const int keyLine = scanner.line();
             std::vector<std::string> values;
-            while ((t = scanner.next(word)) == ResourceScanner::WORD) {
+            while (nextLine() == keyLine && isValue(scanner.peek())) {
+                if (scanner.next(word) == KxTextScanner::BAD) {
+                    return failAt(keyLine, "bad value of '" + key + "'");
+                }
                 values.push_back(word);
             }
-            if (t != ResourceScanner::NEWLINE && t != ResourceScanner::CLOSE) {
-                return fail("bad value of '" + key + "'");
+            if (nextLine() == keyLine && scanner.peek() != KxTextScanner::CLOSE &&
+                scanner.peek() != KxTextScanner::END) {
+                return failAt(keyLine, "bad value of '" + key + "'");
             }
             if (values.empty() || (key != "extensions" && values.size() != 1)) {
-                return fail("'" + key + "' needs " + (key == "extensions" ? "values" : "one value"));
+                return failAt(keyLine,
+                              "'" + key + "' needs " + (key == "extensions" ? "values" : "one value"));
             }
             if (key == "extensions") {
                 for (std::string& v : values) {
@@ -356,10 +300,7 @@ bool parseFormats(ResourceScanner& scanner, std::vector<FormatText>& out, std::s
             } else if (key == "check") {
                 entry.check = values[0];
             } else {
-                return fail("unknown key '" + key + "'");
-            }
-            if (t == ResourceScanner::CLOSE) {
-                break;
+                return failAt(keyLine, "unknown key '" + key + "'");
             }
         }
         if (entry.read.empty() && entry.write.empty()) {
@@ -373,7 +314,7 @@ bool parseFormats(ResourceScanner& scanner, std::vector<FormatText>& out, std::s
 
 int KxFileFormatRegistry::parseResources(const char* text, size_t length, const char* origin,
                                          const char* package, const Resolver& resolve) {
-    ResourceScanner scanner(text, length);
+    KxTextScanner scanner(text, length);
     std::vector<FormatText> entries;
     std::string error;
     if (!parseFormats(scanner, entries, error)) {

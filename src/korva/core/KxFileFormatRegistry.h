@@ -76,10 +76,10 @@ public:
     // created with the objects the reader added (their load command is set to
     // the file name). On failure answers false after an "Error: " line.
     bool load(const char* filename, std::vector<KxObject*>& created, KxObjectPool& pool);
-    // Saves data in format to filename. The writer writes a temporary file
-    // beside the target, which replaces the target only when the writer
-    // succeeds, so a failed save leaves an existing file intact. On success
-    // the object's save-info becomes the format name and it is unmodified.
+    // Saves data in format to filename by calling the format's writer with
+    // that name; a writer must leave an existing file intact when it fails
+    // (docs/host.md). On success the object's save-info becomes the format
+    // name and it is unmodified.
     bool save(const KxFileFormat& format, KxData* data, const char* filename);
 
     // Lower-case extension of filename without the dot, or empty.

@@ -40,6 +40,9 @@ KxMessageConsole::Sink KxMessageConsole::setSink(Sink sink) {
 }
 
 void KxMessageConsole::emitLine(const std::string& line) {
+    if (line.compare(0, 7, "Error: ") == 0) {
+        ++numErrorLines_;
+    }
     taps_.call(line);
     if (sink_) {
         sink_(line);

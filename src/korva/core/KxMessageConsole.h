@@ -31,11 +31,16 @@ public:
     int addTap(Sink tap) { return taps_.add(std::move(tap)); }
     void removeTap(int id) { taps_.remove(id); }
 
+    // "Error: " lines printed so far; a caller compares two counts to learn
+    // whether a callee has already reported its failure.
+    int numErrorLines() const { return numErrorLines_; }
+
 private:
     KxMessageConsole() = default;
     void emitLine(const std::string& line);
 
     Sink sink_;
+    int numErrorLines_ = 0;
     CallbackList<void(const std::string&)> taps_;
 };
 

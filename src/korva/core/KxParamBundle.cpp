@@ -113,6 +113,22 @@ bool KxParamBundle::findString(const char* name, String& value) const {
     return true;
 }
 
+int KxParamBundle::level() const {
+    int n = 1;
+    for (const KxParamBundle* b = parent_; b; b = b->parent_) {
+        ++n;
+    }
+    return n;
+}
+
+int KxParamBundle::height() const {
+    int below = 0;
+    for (const KxParamBundle* b : bundles_) {
+        below = std::max(below, b->height());
+    }
+    return below + 1;
+}
+
 KxParamBundle* KxParamBundle::getBundle(const char* name) const {
     int i = indexOfBundle(name);
     return i < 0 ? nullptr : bundles_[static_cast<size_t>(i)];
@@ -332,6 +348,9 @@ bool KxParamBundle::fromText(const char* text, size_t length, std::string& error
         std::string name = token;
         t = scanner.next(token);
         if (t == KxTextScanner::OPEN) {
+            if (level() + static_cast<int>(stack.size()) > kMaxDepth) {
+                return fail("parameter bundles nested deeper than " + std::to_string(kMaxDepth));
+            }
             stack.push_back(stack.back()->addBundle(name.c_str()));
             continue;
         }

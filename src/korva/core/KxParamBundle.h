@@ -48,6 +48,11 @@ private:
 // store bundles as text.
 class KxParamBundle {
 public:
+    // A bundle tree nests at most this many levels (a bundle without parent
+    // is level 1). Text and label commands refuse deeper trees, so that the
+    // recursive copy, compare, print and destroy cannot exhaust the stack.
+    static constexpr int kMaxDepth = 100;
+
     explicit KxParamBundle(const char* name = "");
     KxParamBundle(const KxParamBundle& other);
     KxParamBundle& operator=(const KxParamBundle& other);
@@ -57,6 +62,10 @@ public:
     void setName(const char* name) { name_ = name ? name : ""; }
     // The bundle this one is a sub-bundle of, or null.
     KxParamBundle* getParent() const { return parent_; }
+    // 1 for a bundle without parent, its parent's level + 1 otherwise.
+    int level() const;
+    // Levels of the subtree below and including this bundle (1 if it has no sub-bundles).
+    int height() const;
 
     // Parameters. A set-call replaces a parameter of the same name in place
     // (keeping its position) or appends a new one.
@@ -121,8 +130,10 @@ public:
     // Text form of the contents (not the bundle's own name): one parameter per
     // line as `"name" kind values...`, sub-bundles as `"name" { ... }`.
     std::string toText(int indent = 0) const;
-    // Replaces the contents with those parsed from text; on malformed text
-    // answers false with a description in error and leaves the bundle alone.
+    // Replaces the contents with those parsed from text; on malformed text, or
+    // sub-bundles that would nest deeper than kMaxDepth counted from this
+    // bundle's level, answers false with a description in error and leaves
+    // the bundle alone.
     bool fromText(const char* text, size_t length, std::string& error);
 
 private:

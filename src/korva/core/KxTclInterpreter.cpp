@@ -1,6 +1,8 @@
 #include "korva/core/KxTclInterpreter.h"
 
 #include <cstdlib>
+#include <new>
+#include <stdexcept>
 
 #include <tcl.h>
 
@@ -14,7 +16,8 @@ int objectCommand(ClientData clientData, Tcl_Interp* interp, int argc, const cha
     KxObject* object = static_cast<KxObject*>(clientData);
     // Deliberate: parse takes char** as the host's objects always have; they
     // must not write into the arguments.
-    return object->parse(interp, argc, const_cast<char**>(argv));
+    return KxTclInterpreter::guard(interp,
+                                   [&] { return object->parse(interp, argc, const_cast<char**>(argv)); });
 }
 
 }  // namespace
@@ -92,6 +95,32 @@ void KxTclInterpreter::setScriptArgs(const char* argv0, int argc, char** argv) {
     }
     Tcl_SetVar2Ex(interp_, "argv", nullptr, list, TCL_GLOBAL_ONLY);
     Tcl_SetVar2Ex(interp_, "argc", nullptr, Tcl_NewIntObj(argc), TCL_GLOBAL_ONLY);
+}
+
+int KxTclInterpreter::guard(Tcl_Interp* interp, const std::function<int()>& command) {
+    std::string line;
+    try {
+        return command();
+    } catch (...) {
+        line = currentExceptionLine();
+    }
+    theMsg->print(line);
+    Tcl_SetObjResult(interp, Tcl_NewStringObj(line.c_str(), -1));
+    return TCL_ERROR;
+}
+
+std::string KxTclInterpreter::currentExceptionLine() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return "Error: out of memory";
+    } catch (const std::length_error&) {
+        return "Error: out of memory (a size beyond what can be allocated)";
+    } catch (const std::exception& e) {
+        return std::string("Error: internal failure: ") + e.what();
+    } catch (...) {
+        return "Error: internal failure";
+    }
 }
 
 void KxTclInterpreter::quit(int code) {

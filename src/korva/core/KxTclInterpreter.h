@@ -38,6 +38,13 @@ public:
     // Sets argv0, argv (a list) and argc for a script.
     void setScriptArgs(const char* argv0, int argc, char** argv);
 
+    // Runs a command's body. A C++ exception escaping it must not unwind
+    // through Tcl: it becomes an "Error: ..." line on the console and the
+    // command's Tcl error.
+    static int guard(Tcl_Interp* interp, const std::function<int()>& command);
+    // The "Error: ..." line for the exception being handled; call only in a catch block.
+    static std::string currentExceptionLine();
+
     // What `quit ?code?` does. The default handler clears the pool and exits the process.
     using QuitHandler = std::function<void(int code)>;
     void setQuitHandler(QuitHandler handler) { quit_ = std::move(handler); }

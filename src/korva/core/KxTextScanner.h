@@ -4,7 +4,7 @@
 #include <string>
 
 // Tokens of the host's brace-structured text forms (parameter bundles, the
-// KorvaMesh header): bare words, double-quoted strings with \" \\ \n \r \t
+// KorvaMesh header, package resource files): bare words, double-quoted strings with \" \\ \n \r \t
 // escapes, and the braces { and }. Blanks separate tokens; '#' at the start of
 // a token begins a comment that runs to the end of the line. The scanner
 // reads from a caller's buffer and never past its end.

@@ -1,12 +1,17 @@
 #include "korva/gl/KxGLCapabilities.h"
 
+#include <strings.h>
+
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
+#include <string>
 
 #include <GL/glew.h>
 #include <EGL/egl.h>
 #include <GL/glx.h>
 
+#include "korva/core/KxMessageConsole.h"
 #include "korva/gl/KxEglOffscreen.h"
 
 namespace {
@@ -14,9 +19,13 @@ namespace {
 bool glewReady = false;
 int cachedAnswer = -1;  // -1: not asked yet
 
-bool forcedLegacy() {
-    const char* value = std::getenv("KORVA_LEGACY_TUBES");
-    return value && *value && std::strcmp(value, "0") != 0;
+bool isOneOf(const char* value, std::initializer_list<const char*> words) {
+    for (const char* word : words) {
+        if (strcasecmp(value, word) == 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool queryCurrentContext() {
@@ -37,8 +46,25 @@ bool KxGLCapabilities::initGlew() {
     return glewReady;
 }
 
+bool KxGLCapabilities::legacyForced() {
+    const char* value = std::getenv("KORVA_LEGACY_TUBES");
+    if (!value || isOneOf(value, {"", "0", "no", "false", "off"})) {
+        return false;
+    }
+    if (isOneOf(value, {"1", "yes", "true", "on"})) {
+        return true;
+    }
+    static std::string warned;
+    if (warned != value) {
+        warned = value;
+        theMsg->printf("Warning: KORVA_LEGACY_TUBES=\"%s\" is neither a true nor a false word; ignored.",
+                       value);
+    }
+    return false;
+}
+
 bool KxGLCapabilities::hasShadersAndBuffers() {
-    if (forcedLegacy()) {
+    if (legacyForced()) {
         return false;
     }
     if (cachedAnswer >= 0) {

@@ -12,10 +12,15 @@ public:
 
     // True when GLSL programs, vertex buffer objects and float textures are
     // available. Asked without a current context, it opens a small headless
-    // context to find out; the answer is kept. The environment variable
-    // KORVA_LEGACY_TUBES (set and not "0") makes it answer false, so the
-    // fallback paths can be forced and tested.
+    // context to find out; the answer is kept. It answers false when
+    // legacyForced(), so the fallback paths can be forced and tested.
     static bool hasShadersAndBuffers();
+
+    // True when the environment variable KORVA_LEGACY_TUBES holds a true word
+    // (1, yes, true, on; any case). Unset, empty and the false words (0, no,
+    // false, off) leave the choice to the driver; other values are ignored
+    // with a warning.
+    static bool legacyForced();
 
     // Forgets the kept answer (tests change the environment variable).
     static void resetForTesting();

@@ -56,16 +56,15 @@ bool readFile(const std::string& path, std::string& contents) {
     return true;
 }
 
+// The program name travels in the callback's data pointer itself.
 void deleteProgramCb(void* data, uint32_t) {
-    auto* program = static_cast<GLuint*>(data);
-    glDeleteProgram(*program);
-    delete program;
+    glDeleteProgram(static_cast<GLuint>(reinterpret_cast<uintptr_t>(data)));
 }
 
 }  // namespace
 
-KxShaderProgram* KxShaderProgram::create(const char* package, const char* vertexFile,
-                                         const char* fragmentFile) {
+std::unique_ptr<KxShaderProgram> KxShaderProgram::create(const char* package, const char* vertexFile,
+                                                         const char* fragmentFile) {
     std::string vertex, fragment;
     for (const char* file : {vertexFile, fragmentFile}) {
         std::string path = resourcePath(package, file);
@@ -74,7 +73,7 @@ KxShaderProgram* KxShaderProgram::create(const char* package, const char* vertex
             return nullptr;
         }
     }
-    return new KxShaderProgram(vertex, fragment, std::string(package) + "/" + vertexFile);
+    return std::make_unique<KxShaderProgram>(vertex, fragment, std::string(package) + "/" + vertexFile);
 }
 
 KxShaderProgram::KxShaderProgram(std::string vertexSource, std::string fragmentSource, std::string name)
@@ -90,8 +89,9 @@ KxShaderProgram::~KxShaderProgram() {
     // Coin, which deletes them the next time that context renders.
     for (const auto& entry : programs_) {
         if (entry.second) {
-            SoGLCacheContextElement::scheduleDeleteCallback(entry.first.first, deleteProgramCb,
-                                                            new GLuint(entry.second));
+            SoGLCacheContextElement::scheduleDeleteCallback(
+                entry.first.first, deleteProgramCb,
+                reinterpret_cast<void*>(static_cast<uintptr_t>(entry.second)));
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,7 +20,8 @@ class KxShaderProgram {
 public:
     // Reads both files from the package's resource folder (share/<package>).
     // Null, with an "Error: " line, when a file cannot be read.
-    static KxShaderProgram* create(const char* package, const char* vertexFile, const char* fragmentFile);
+    static std::unique_ptr<KxShaderProgram> create(const char* package, const char* vertexFile,
+                                                   const char* fragmentFile);
 
     KxShaderProgram(std::string vertexSource, std::string fragmentSource, std::string name);
     ~KxShaderProgram();

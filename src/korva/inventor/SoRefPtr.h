@@ -10,7 +10,9 @@ public:
     SoRefPtr(const SoRefPtr& other) { reset(other.node_); }
     ~SoRefPtr() { reset(nullptr); }
     SoRefPtr& operator=(const SoRefPtr& other) {
-        reset(other.node_);
+        if (this != &other) {
+            reset(other.node_);
+        }
         return *this;
     }
     SoRefPtr& operator=(T* node) {

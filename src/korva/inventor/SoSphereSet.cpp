@@ -176,9 +176,9 @@ void SoSphereSet::rebuildArrays() {
         }
         auto base = static_cast<unsigned int>(positions_.size() / 3);
         SbColor c = drawnColor(i);
-        unsigned char rgba[4] = {static_cast<unsigned char>(c[0] * 255.0f + 0.5f),
-                                 static_cast<unsigned char>(c[1] * 255.0f + 0.5f),
-                                 static_cast<unsigned char>(c[2] * 255.0f + 0.5f), 255};
+        unsigned char rgba[4] = {static_cast<unsigned char>(std::lround(c[0] * 255.0f)),
+                                 static_cast<unsigned char>(std::lround(c[1] * 255.0f)),
+                                 static_cast<unsigned char>(std::lround(c[2] * 255.0f)), 255};
         for (const SbVec3f& p : unit.points) {
             SbVec3f q = centres[i] + p * r;
             positions_.insert(positions_.end(), {q[0], q[1], q[2]});

@@ -17,9 +17,6 @@ constexpr int kVersion = 1;
 constexpr size_t kAlignment = 8;
 // Fast compression: float data gains little from higher levels.
 constexpr int kCompressionLevel = 1;
-// Parameter bundles nest at most this deep, so that nothing recursive over a
-// bundle can exhaust the stack on a hostile file.
-constexpr int kMaxBundleDepth = 100;
 
 // The binary encoding is little-endian; other hosts swap bytes.
 inline bool hostIsLittleEndian() {

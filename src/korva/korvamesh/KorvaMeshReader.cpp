@@ -10,6 +10,7 @@
 
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxParamBundle.h"
 #include "korva/core/KxTextScanner.h"
 #include "korva/core/KxWorkArea.h"
 #include "korva/korvamesh/KorvaMesh.h"
@@ -43,9 +44,8 @@ const char* matchingBrace(KxTextScanner& scanner, std::string& error) {
             error = "the parameter block has no closing '}'";
             return nullptr;
         }
-        if (t == KxTextScanner::OPEN && ++depth > KorvaMeshFormat::kMaxBundleDepth) {
-            error =
-                "parameter bundles nested deeper than " + std::to_string(KorvaMeshFormat::kMaxBundleDepth);
+        if (t == KxTextScanner::OPEN && ++depth > KxParamBundle::kMaxDepth) {
+            error = "parameter bundles nested deeper than " + std::to_string(KxParamBundle::kMaxDepth);
             return nullptr;
         }
         if (t == KxTextScanner::CLOSE && --depth == 0) {
@@ -573,7 +573,7 @@ bool KorvaMeshReader::parseAsciiValues(const ArrayEntry& e, T* out) {
             }
             return fail("line %d: bad %s value \"%s\" (value %llu of array \"%s\")%s.", lineAt(p),
                         e.type.getName(), printable(std::string(p, stop)).c_str(),
-                        static_cast<unsigned long long>(k + 1), printable(e.name).c_str(),
+                        static_cast<unsigned long long>(k) + 1, printable(e.name).c_str(),
                         r.ec == std::errc::result_out_of_range ? ": out of range" : "");
         }
         p = r.ptr;

@@ -1,6 +1,7 @@
 #include "korva/korvamesh/KorvaMeshWriter.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -131,6 +132,30 @@ mode_t newFileMode(const char* filename) {
     return 0666 & ~mask;
 }
 
+// Deliberate: a read-only file is not replaced, although the directory would
+// allow the rename; write protection means "keep this file". Checked by the
+// mode bits too, because access() lets root write anything.
+bool isReadOnly(const char* filename) {
+    struct stat st;
+    return ::stat(filename, &st) == 0 && S_ISREG(st.st_mode) &&
+           ((st.st_mode & 0222) == 0 || ::access(filename, W_OK) != 0);
+}
+
+// While alive, a write past the file size limit fails with EFBIG instead of
+// killing the process with SIGXFSZ, so the writer can remove its temporary file.
+class IgnoreFileSizeSignal {
+public:
+    IgnoreFileSizeSignal() {
+        struct sigaction ignore = {};
+        ignore.sa_handler = SIG_IGN;
+        ::sigaction(SIGXFSZ, &ignore, &old_);
+    }
+    ~IgnoreFileSizeSignal() { ::sigaction(SIGXFSZ, &old_, nullptr); }
+
+private:
+    struct sigaction old_;
+};
+
 }  // namespace
 
 bool KorvaMeshWriter::checkValues() const {
@@ -253,6 +278,12 @@ bool KorvaMeshWriter::write(const char* filename, bool ascii) {
     if (!checkValues() || (!ascii && !compressArrays(stored))) {
         return false;
     }
+    if (isReadOnly(filename)) {
+        theMsg->printf("Error: cannot write KorvaMesh file \"%s\": the file is read-only. It is unchanged.",
+                       filename);
+        return false;
+    }
+    IgnoreFileSizeSignal ignoreFileSizeSignal;
     std::string tmp = std::string(filename) + ".tmpXXXXXX";
     int fd = ::mkstemp(&tmp[0]);
     if (fd < 0) {

@@ -11,6 +11,7 @@ class KorvaMesh;
 // directory, which is flushed to disk and renamed over the target only when
 // everything was written; on any failure the temporary file is removed, the
 // old file stays as it was and write() answers false after one error line.
+// The new file gets the old one's permissions; a read-only file is refused.
 class KorvaMeshWriter {
 public:
     explicit KorvaMeshWriter(const KorvaMesh& mesh) : mesh_(mesh) {}

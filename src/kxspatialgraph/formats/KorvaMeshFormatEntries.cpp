@@ -27,12 +27,7 @@ int write(KxData* data, const char* filename, KxSpatialGraph::KorvaMeshEncoding 
         theMsg->printf("Error: KorvaMesh files hold spatial graphs, not %s.", data->getTypeName());
         return 0;
     }
-    // The host passes a temporary name that it renames afterwards, so the
-    // graph keeps the load command it had.
-    std::string loadCmd = graph->getLoadCmd();
-    int ok = graph->saveKorvaMesh(filename, encoding);
-    graph->setLoadCmd(loadCmd.c_str());
-    return ok;
+    return graph->saveKorvaMesh(filename, encoding);
 }
 
 }  // namespace

@@ -122,15 +122,33 @@ std::map<int, int> addMaterials(Skeleton& s, const KorvaMesh& mesh) {
     return ids;
 }
 
+// Adds the walked run as an edge with its radii and materials.
+void addRunEdge(Skeleton& s, int startVertex, int endVertex) {
+    const int e = s.graph->addEdge(startVertex, endVertex, s.runPoints);
+    for (int i = 0; i < s.runPoints.size(); ++i) {
+        if (s.thickness) {
+            s.thickness->setFloatDataAtPoint(s.runRadii[static_cast<size_t>(i)], e, i);
+        }
+        if (s.materials) {
+            s.materials->setIntDataAtPoint(e, i, s.runTypes[static_cast<size_t>(i)]);
+        }
+    }
+}
+
+// Starts a run at point start, creating its vertex.
+int startRun(Skeleton& s, int start) {
+    s.runPoints.clear();
+    s.runRadii.clear();
+    s.runTypes.clear();
+    s.append(s.points[static_cast<size_t>(start)]);
+    return s.vertexOf(start);
+}
+
 // Walks the run from point start through its neighbour next and adds it as an
 // edge. False when the walk does not end, which only broken neighbour lists
 // can cause.
 bool walkRun(Skeleton& s, int start, int next, const char* filename) {
-    s.runPoints.clear();
-    s.runRadii.clear();
-    s.runTypes.clear();
-    const int startVertex = s.vertexOf(start);
-    s.append(s.points[static_cast<size_t>(start)]);
+    const int startVertex = startRun(s, start);
     int previous = start;
     int current = next;
     for (size_t steps = 0; s.points[static_cast<size_t>(current)].numNeighbours == 2; ++steps) {
@@ -148,16 +166,31 @@ bool walkRun(Skeleton& s, int start, int next, const char* filename) {
         current = useSecond ? c.neighbours[1] : c.neighbours[0];
     }
     s.append(s.points[static_cast<size_t>(current)]);
-    const int endVertex = s.vertexOf(current);
-    const int e = s.graph->addEdge(startVertex, endVertex, s.runPoints);
-    for (int i = 0; i < s.runPoints.size(); ++i) {
-        if (s.thickness) {
-            s.thickness->setFloatDataAtPoint(s.runRadii[static_cast<size_t>(i)], e, i);
+    addRunEdge(s, startVertex, s.vertexOf(current));
+    return true;
+}
+
+// A component whose points all have two neighbours is a closed ring, which no
+// walk from an end or branch point reaches. Deliberate: it becomes one loop
+// edge on a vertex at its first point instead of vanishing from the import.
+bool walkRing(Skeleton& s, int start, const char* filename) {
+    const int vertex = startRun(s, start);
+    int previous = start;
+    int current = s.points[static_cast<size_t>(start)].neighbours[0];
+    for (size_t steps = 0; current != start; ++steps) {
+        SkeletonPoint& c = s.points[static_cast<size_t>(current)];
+        if (steps > s.points.size() || c.numNeighbours != 2 || c.marked) {
+            return fail(filename,
+                        "a ring of two-neighbour points does not close; the neighbour lists disagree", start);
         }
-        if (s.materials) {
-            s.materials->setIntDataAtPoint(e, i, s.runTypes[static_cast<size_t>(i)]);
-        }
+        s.append(c);
+        c.marked = true;
+        int next = c.neighbours[0] == previous ? c.neighbours[1] : c.neighbours[0];
+        previous = current;
+        current = next;
     }
+    s.append(s.points[static_cast<size_t>(start)]);
+    addRunEdge(s, vertex, vertex);
     return true;
 }
 
@@ -216,6 +249,12 @@ KxSpatialGraph* loadSkeletonGraph(const KorvaMesh& mesh, const char* filename) {
                 delete s.graph;
                 return nullptr;
             }
+        }
+    }
+    for (int i = 0; i < static_cast<int>(s.points.size()); ++i) {
+        if (!s.points[static_cast<size_t>(i)].marked && !walkRing(s, i, filename)) {
+            delete s.graph;
+            return nullptr;
         }
     }
     return s.graph;

@@ -18,11 +18,13 @@ namespace {
 const char* const kArrayNames[] = {"VertexCoordinates", "EdgeConnectivity", "NumEdgePoints",
                                    "EdgePointCoordinates"};
 
+// Deliberate: the traditional text gets the "Error: " prefix, so that the
+// failure reads like every other one and the host adds no second line.
 void printExpectingAtLeast(const char* filename) {
     theMsg->printf(
-        "KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge connectivity, edge "
-        "points in "
-        "%s.\n",
+        "Error: KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge connectivity, "
+        "edge "
+        "points in %s.",
         filename);
 }
 
@@ -71,6 +73,21 @@ void addVertices(KxSpatialGraph* graph, const KorvaMesh::Data* coords) {
     }
 }
 
+// Deliberate: both layouts refuse an edge whose end is not a vertex, rather
+// than load a graph that every later operation would index out of bounds.
+bool edgeEndsFit(const GraphArrays& a, const char* filename) {
+    const int numVertices = static_cast<int>(a.vertices->getLocation()->getSize());
+    const int64_t numEnds = a.connectivity->getNumValues();
+    for (int64_t i = 0; i < numEnds; ++i) {
+        if (a.edgeEnds()[i] < 0 || a.edgeEnds()[i] >= numVertices) {
+            theMsg->printf("Error: %s: edge %d refers to vertex %d, but there are %d vertices.", filename,
+                           static_cast<int>(i / 2), a.edgeEnds()[i], numVertices);
+            return false;
+        }
+    }
+    return true;
+}
+
 // The edges' point counts must stay inside the stored points: a forged count
 // would otherwise make the reader run past the array.
 bool pointCountsFit(const GraphArrays& a, const char* filename) {
@@ -90,7 +107,7 @@ bool pointCountsFit(const GraphArrays& a, const char* filename) {
 
 // Copies as many bytes of src as both the attribute and the array hold.
 void copyValues(GraphAttribute* attribute, const void* src, size_t srcBytes) {
-    size_t bytes = static_cast<size_t>(attribute->size()) * static_cast<size_t>(attribute->getElementSize());
+    size_t bytes = static_cast<size_t>(attribute->size()) * attribute->getElementSize();
     if (attribute->size() > 0 && srcBytes > 0) {
         std::memcpy(attribute->dataPtr(), src, std::min(bytes, srcBytes));
     }
@@ -204,6 +221,21 @@ void assignFixedIds(KxParamBundle* parent, const std::vector<FixedLabel>& labels
     }
 }
 
+// The legacy "Graph" arrays hold the vertex values, then the edge values; a
+// shorter array would leave values silently zero.
+bool graphArraysFit(const KorvaMesh& mesh, int64_t needed, const char* filename) {
+    for (const char* name : {"GraphLabel", "GraphIntData"}) {
+        const KorvaMesh::Data* d = mesh.findData("Graph", PrimType::INT32, 1, name);
+        if (d && d->getNumValues() < needed) {
+            theMsg->printf("Error: %s: \"%s\" holds %lld values, fewer than the %lld vertices and edges.",
+                           filename, name, static_cast<long long>(d->getNumValues()),
+                           static_cast<long long>(needed));
+            return false;
+        }
+    }
+    return true;
+}
+
 // A vertex attribute and an edge attribute of that name from one array that
 // holds the vertex values first, then the edge values.
 void addSplitAttribute(KxSpatialGraph* graph, const KorvaMesh::Data* d, const char* name,
@@ -211,8 +243,7 @@ void addSplitAttribute(KxSpatialGraph* graph, const KorvaMesh::Data* d, const ch
     onVertices = graph->addAttribute(name, KxSpatialGraph::VERTEX, d->getPrimType(), d->getNumComponents());
     onEdges = graph->addAttribute(name, KxSpatialGraph::EDGE, d->getPrimType(), d->getNumComponents());
     const char* src = static_cast<const char*>(d->getValues());
-    size_t vertexBytes =
-        static_cast<size_t>(onVertices->size()) * static_cast<size_t>(onVertices->getElementSize());
+    size_t vertexBytes = static_cast<size_t>(onVertices->size()) * onVertices->getElementSize();
     copyValues(onVertices, src, d->getNumBytes());
     if (d->getNumBytes() > vertexBytes) {
         copyValues(onEdges, src + vertexBytes, d->getNumBytes() - vertexBytes);
@@ -280,7 +311,7 @@ KxSpatialGraph* readKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const char* f
         printExpectingAtLeast(filename);
         return nullptr;
     }
-    if (!pointCountsFit(a, filename)) {
+    if (!edgeEndsFit(a, filename) || !pointCountsFit(a, filename)) {
         return nullptr;
     }
     KxSpatialGraph* graph = new KxSpatialGraph;
@@ -313,15 +344,8 @@ KxSpatialGraph* readLegacyKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const c
     }
     const int numVertices = static_cast<int>(a.vertices->getLocation()->getSize());
     const int numEdges = static_cast<int>(a.connectivity->getLocation()->getSize());
-    for (int i = 0; i < 2 * numEdges; ++i) {
-        // Deliberate: checked here because adding an edge without points reads its ends' coordinates.
-        if (a.edgeEnds()[i] < 0 || a.edgeEnds()[i] >= numVertices) {
-            theMsg->printf("Error: %s: edge %d refers to vertex %d, but there are %d vertices.", filename,
-                           i / 2, a.edgeEnds()[i], numVertices);
-            return nullptr;
-        }
-    }
-    if (!pointCountsFit(a, filename)) {
+    if (!edgeEndsFit(a, filename) || !pointCountsFit(a, filename) ||
+        !graphArraysFit(mesh, int64_t{numVertices} + numEdges, filename)) {
         return nullptr;
     }
     KxSpatialGraph* graph = new KxSpatialGraph;

@@ -113,3 +113,34 @@ void EdgeBlockLayout::insertBlocks(unsigned char* data, size_t elementSize, cons
         end = index;
     }
 }
+
+DArray<int> EdgeBlockLayout::openGapsInEdges(unsigned char* data, size_t elementSize, DArray<int>& offsets,
+                                             const DArray<SpatialGraphPoint>& at, const DArray<int>& counts) {
+    int m = at.size();
+    DArray<int> gaps(m);
+    size_t shift = 0;
+    for (int k = 0; k < m; ++k) {
+        gaps[k] = offsets[at[k].edgeNum] + at[k].pointNum;
+        shift += static_cast<size_t>(counts[k]);
+    }
+    // The run from gap k up to the next gap moves up by the sizes of gaps 0 .. k.
+    size_t end = static_cast<size_t>(offsets.last());
+    for (int k = m - 1; k >= 0; --k) {
+        size_t begin = static_cast<size_t>(gaps[k]);
+        if (end > begin && shift > 0) {
+            std::memmove(data + (begin + shift) * elementSize, data + begin * elementSize,
+                         (end - begin) * elementSize);
+        }
+        shift -= static_cast<size_t>(counts[k]);
+        gaps[k] += static_cast<int>(shift);
+        end = begin;
+    }
+    int added = 0;
+    for (int e = 0, k = 0; e < offsets.size(); ++e) {
+        offsets[e] += added;
+        for (; k < m && at[k].edgeNum == e; ++k) {
+            added += counts[k];
+        }
+    }
+    return gaps;
+}

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "korva/base/DArray.h"
+#include "kxspatialgraph/model/SpatialGraphPoint.h"
 
 // Block moves shared by EdgePointsManager and PointAttribute. Both keep the
 // values of edge 0, then edge 1, ... in one flat buffer without gaps, plus an
@@ -41,6 +42,14 @@ public:
     static void insertBlocks(unsigned char* data, size_t elementSize, const DArray<int>& oldOffsets,
                              const DArray<int>& newOffsets, const DArray<int>& indices,
                              const DArray<const void*>& blocks);
+
+    // Opens counts[k] elements before element at[k].pointNum of edge
+    // at[k].edgeNum for every k (at ascending, no duplicates; an edge's element
+    // count appends to it) in one back-to-front pass, and shifts the offsets.
+    // The buffer must already hold the new total with the old content at its
+    // start; the gaps keep stale bytes. Returns each gap's new flat position.
+    static DArray<int> openGapsInEdges(unsigned char* data, size_t elementSize, DArray<int>& offsets,
+                                       const DArray<SpatialGraphPoint>& at, const DArray<int>& counts);
 };
 
 template <class Vector>

@@ -62,6 +62,20 @@ void EdgePointsManager::insertEdgePoints(int e, int i, const DArray<Vec3f>& pts)
     EdgeBlockLayout::shiftOffsets(offsets_, e + 1, n);
 }
 
+void EdgePointsManager::insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at,
+                                                 const DArray<int>& counts, const DArray<Vec3f>& pts) {
+    if (pts.isEmpty()) {
+        return;
+    }
+    growTo(points_.size() + pts.size());
+    DArray<int> gaps = EdgeBlockLayout::openGapsInEdges(bytes(), sizeof(Vec3f), offsets_, at, counts);
+    const Vec3f* next = pts.dataPtr();
+    for (int k = 0; k < gaps.size(); ++k) {
+        std::memcpy(points_.dataPtr() + gaps[k], next, sizeof(Vec3f) * static_cast<size_t>(counts[k]));
+        next += counts[k];
+    }
+}
+
 void EdgePointsManager::removeEdgePoints(int e, int i, int n) {
     if (n == 0) {
         return;

@@ -2,6 +2,7 @@
 
 #include "korva/base/DArray.h"
 #include "korva/base/Vec3f.h"
+#include "kxspatialgraph/model/SpatialGraphPoint.h"
 
 // The polylines of all edges of one graph in one flat array: the points of
 // edge 0, then edge 1, ... without gaps, plus offsets (edge count + 1 entries,
@@ -30,6 +31,10 @@ public:
     void setEdgePoints(int e, const Vec3f* pts, int n);
     // Inserts pts before point i of edge e.
     void insertEdgePoints(int e, int i, const DArray<Vec3f>& pts);
+    // Inserts counts[k] points, taken in order from pts, before point at[k]
+    // (at ascending, no duplicates), in one pass over the points.
+    void insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts,
+                                  const DArray<Vec3f>& pts);
     // Removes n points of edge e starting at point i; n = 0 changes nothing.
     void removeEdgePoints(int e, int i, int n);
 

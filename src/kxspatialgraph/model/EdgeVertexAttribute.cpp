@@ -9,7 +9,7 @@ EdgeVertexAttribute::EdgeVertexAttribute(KxSpatialGraph* graph, const char* name
     : GraphAttribute(graph, name, type, nDataVar) {}
 
 int EdgeVertexAttribute::capacity() const {
-    size_t es = static_cast<size_t>(getElementSize());
+    size_t es = getElementSize();
     return es == 0 ? count_ : static_cast<int>(bytes_.size() / es);
 }
 
@@ -18,7 +18,7 @@ void EdgeVertexAttribute::reserveValues(int n) {
         return;
     }
     size_t grown = std::max(static_cast<size_t>(capacity()) * 3 / 2, static_cast<size_t>(n));
-    bytes_.resize(grown * static_cast<size_t>(getElementSize()), 0);
+    bytes_.resize(grown * getElementSize(), 0);
 }
 
 void EdgeVertexAttribute::init(int n) {
@@ -54,7 +54,7 @@ void EdgeVertexAttribute::insertBefore(int i, int n) {
         return;
     }
     reserveValues(count_ + n);
-    size_t es = static_cast<size_t>(getElementSize());
+    size_t es = getElementSize();
     EdgeBlockLayout::openGap(bytes_.data(), es, count_, i, n);
     std::memset(genericDataAtIdx(i), 0, offset(n));
     count_ += n;
@@ -64,7 +64,7 @@ void EdgeVertexAttribute::remove(int i, int n) {
     if (count_ < 1 || n < 1 || i < 0 || i + n > count_) {
         return;
     }
-    size_t es = static_cast<size_t>(getElementSize());
+    size_t es = getElementSize();
     EdgeBlockLayout::closeGap(bytes_.data(), es, count_, i, n);
     count_ -= n;
     std::memset(genericDataAtIdx(count_), 0, offset(n));
@@ -96,7 +96,7 @@ TypedElement EdgeVertexAttribute::getValue(int i) const {
 }
 
 void EdgeVertexAttribute::setValue(int i, const TypedElement& v) {
-    size_t n = std::min(static_cast<size_t>(v.getNumBytes()), offset(1));
+    size_t n = std::min(v.getNumBytes(), offset(1));
     std::memcpy(genericDataAtIdx(i), v.getData(), n);
 }
 
@@ -109,7 +109,7 @@ TypedData2D EdgeVertexAttribute::getValues(const DArray<int>& idx) const {
 }
 
 void EdgeVertexAttribute::setMultipleValues(const DArray<int>& idx, const TypedData2D& v) {
-    size_t n = std::min(static_cast<size_t>(v.getRowBytes()), offset(1));
+    size_t n = std::min(v.getRowBytes(), offset(1));
     int rows = std::min(idx.size(), v.getNumRows());
     for (int k = 0; k < rows; ++k) {
         std::memcpy(genericDataAtIdx(idx[k]), v.getRow(k), n);
@@ -133,7 +133,7 @@ void EdgeVertexAttribute::insertMultipleValues(const DArray<int>& idx, const Typ
     count_ += m;
     // Back to front: each old value moves up by the number of new values below it.
     size_t es = offset(1);
-    size_t rowBytes = std::min(static_cast<size_t>(v.getRowBytes()), es);
+    size_t rowBytes = std::min(v.getRowBytes(), es);
     int old = oldCount - 1;
     int k = m - 1;
     for (int p = count_ - 1; p >= 0 && k >= 0; --p) {

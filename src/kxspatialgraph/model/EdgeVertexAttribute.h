@@ -66,7 +66,7 @@ public:
     void setFloatDataAtIdx(int i, float v) { *floatDataAtIdx(i) = v; }
 
 private:
-    size_t offset(int i) const { return static_cast<size_t>(i) * static_cast<size_t>(getElementSize()); }
+    size_t offset(int i) const { return static_cast<size_t>(i) * getElementSize(); }
     void reserveValues(int n);
 
     // Sized to the capacity; values past the count are zero.

@@ -8,6 +8,6 @@ GraphAttribute::GraphAttribute(KxSpatialGraph* graph, const char* name, PrimType
       nDataVar_(nDataVar),
       name_(name),
       id_(sId++),
-      elementSize_(type.getSize() * nDataVar) {}
+      elementSize_(type.getSize() * static_cast<size_t>(nDataVar)) {}
 
 GraphAttribute::~GraphAttribute() = default;

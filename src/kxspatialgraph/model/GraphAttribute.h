@@ -34,7 +34,7 @@ public:
     void setName(const char* name) { name_ = name; }
     int getId() const { return id_; }
     // Bytes per value: the primitive type's size times nDataVar.
-    int getElementSize() const { return elementSize_; }
+    size_t getElementSize() const { return elementSize_; }
 
 private:
     KxSpatialGraph* graph_;
@@ -42,5 +42,5 @@ private:
     int nDataVar_;
     String name_;
     int id_;
-    int elementSize_;
+    size_t elementSize_;
 };

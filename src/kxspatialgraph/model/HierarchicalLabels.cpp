@@ -35,6 +35,9 @@ int HierarchicalLabels::addLabel(int parentId, const char* name, const SbColor& 
         existing->setColor(Color(color));
         return idOf(existing);
     }
+    if (parent->level() >= KxParamBundle::kMaxDepth) {
+        return -1;
+    }
     int id = getMaxLabelId() + 1;
     KxParamBundle* label = parent->addBundle(name);
     label->setInt("Id", id);
@@ -198,7 +201,8 @@ bool HierarchicalLabels::isLabelExpanded(int id) const {
 void HierarchicalLabels::relocateLabel(int id, int targetId) {
     KxParamBundle* label = getLabelBundle(id);
     KxParamBundle* target = getLabelBundle(targetId);
-    if (!label || !target || label == target || label == root_ || target == root_ || isChild(targetId, id)) {
+    if (!label || !target || label == target || label == root_ || target == root_ || isChild(targetId, id) ||
+        target->level() + label->height() - 1 > KxParamBundle::kMaxDepth) {
         return;
     }
     KxParamBundle* parent = label->getParent();

@@ -26,7 +26,8 @@ public:
 
     // Adds a child label under parentId and returns its id (max id + 1); if
     // the parent already has a child of that name, only its colour changes and
-    // its id is returned. -1 if the parent does not exist.
+    // its id is returned. -1 if the parent does not exist or a new label would
+    // nest deeper than KxParamBundle::kMaxDepth.
     int addLabel(int parentId, const char* name, const SbColor& color);
 
     // Depth-first search from bundle for the bundle whose "Id" is id; null if none.
@@ -65,7 +66,8 @@ public:
     bool isLabelExpanded(int id) const;
 
     // Moves label id (with its subtree and id) to the place of targetId.
-    // Nothing happens if either is missing or target lies inside the moved subtree.
+    // Nothing happens if either is missing, target lies inside the moved
+    // subtree or the subtree would nest deeper than KxParamBundle::kMaxDepth.
     void relocateLabel(int id, int targetId);
     // Collects the ids of label id and its descendants, then deletes its
     // bundle. The root cannot be removed.

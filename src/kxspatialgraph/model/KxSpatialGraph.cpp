@@ -110,6 +110,14 @@ void KxSpatialGraph::insertEdgePoints(int e, int i, const DArray<Vec3f>& pts) {
     }
 }
 
+void KxSpatialGraph::insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts,
+                                              const DArray<Vec3f>& pts) {
+    points_.insertMultipleEdgePoints(at, counts, pts);
+    for (PointAttribute* a : pointAttributes_) {
+        a->insertMultipleEdgePoints(at, counts);
+    }
+}
+
 void KxSpatialGraph::removeEdgePoints(int e, int i, int n) {
     points_.removeEdgePoints(e, i, n);
     for (PointAttribute* a : pointAttributes_) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include <Inventor/SbColor.h>
 
 #include "korva/base/Box3f.h"
@@ -83,6 +86,12 @@ public:
     void setEdgePoints(int e, const DArray<Vec3f>& pts);
     // Inserts pts before point i of edge e; point attributes get zero values there.
     void insertEdgePoints(int e, int i, const DArray<Vec3f>& pts);
+    // Inserts counts[k] points, taken in order from pts, before point
+    // at[k].pointNum of edge at[k].edgeNum (its point count appends), for
+    // every k in one pass: at is ascending and free of duplicates. Point
+    // attributes get zero values there. The bulk form of insertEdgePoints.
+    void insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts,
+                                  const DArray<Vec3f>& pts);
     // Removes n points of edge e from point i, with their attribute values.
     void removeEdgePoints(int e, int i, int n);
     // The whole point storage, for passes over every point of every edge.
@@ -368,8 +377,20 @@ private:
     // Replaces every edge end v in 0 .. map size - 1 by map[v].
     void mapEdgeEnds(const DArray<int>& map);
     void attachEdge(int e, int v);
-    // Prints the end-point error of isConsistent() when point is farther than
-    // the tolerance from vertex v; end is "source" or "target".
+    // The checks of isConsistent(), one per invariant (KxSpatialGraphReports.cpp).
+    bool checkEdgeEndsInRange() const;
+    bool checkIncidenceLists() const;
+    bool checkEdgePointCounts() const;
+    bool checkEndPointsMeetVertices() const;
+    bool checkValueCounts(const DArray<EdgeVertexAttribute*>& list, int count, const char* elements,
+                          const char* element) const;
+    bool checkPointValueCounts() const;
+    int incidenceMultiplicity(int e, int v) const;
+    std::vector<int> expectedDegrees() const;
+    bool incidenceListMatches(int v, int degree, std::vector<uint8_t>& counts) const;
+    void reportIncidenceFaults(const std::vector<int>& faulty, const std::vector<int>& degree) const;
+    // Prints the end-point error when point is farther than the tolerance
+    // from vertex v; end is "source" or "target".
     bool endPointMatches(const char* end, int v, int e, const Vec3f& point) const;
     void detachEdge(int e, int v);
 

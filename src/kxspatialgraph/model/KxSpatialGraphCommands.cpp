@@ -12,10 +12,14 @@
 #include <tcl.h>
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/core/KxParamBundle.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
+#include "korva/korvamesh/KorvaMesh.h"
+#include "kxspatialgraph/analysis/SpatialGraphAnalysisCommands.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 
 namespace {
@@ -158,9 +162,11 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
     if (!isInt && std::strcmp(args[2], "float") != 0) {
         return usage(interp, text);
     }
-    if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1)) {
-        return fail(interp,
-                    String::format("Error: nDataVar must be a positive number, not \"%s\".", args[3]));
+    // The same bound as attributes read from files.
+    if (nargs == 4 && (Tcl_GetInt(interp, args[3], &nDataVar) != TCL_OK || nDataVar < 1 ||
+                       nDataVar > KorvaMesh::kMaxComponents)) {
+        return fail(interp, String::format("Error: nDataVar must be a number from 1 to %d, not \"%s\".",
+                                           KorvaMesh::kMaxComponents, args[3]));
     }
     graph.addAttribute(args[0], loc, isInt ? PrimType::INT32 : PrimType::FLOAT32, nDataVar);
     graph.touch(KxData::NEW_DATA);
@@ -195,7 +201,7 @@ int setValueCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
                                            a->getNumDataVar()));
     }
     // All components are read before the value is touched.
-    std::vector<unsigned char> value(static_cast<size_t>(a->getElementSize()));
+    std::vector<unsigned char> value(a->getElementSize());
     for (int i = 0; i < a->getNumDataVar(); ++i) {
         char* word = args[firstValue + i];
         bool ok = false;
@@ -246,13 +252,18 @@ int addLabelCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
     if (nargs != 6) {
         return usage(interp, text);
     }
-    if (!graph.getLabelGroup(args[0])) {
+    HierarchicalLabels* labels = graph.getLabelGroup(args[0]);
+    if (!labels) {
         return fail(interp, String::format("Error: label group %s not found.", args[0]));
     }
     if (Tcl_GetInt(interp, args[1], &parentId) != TCL_OK || !parseFloats(interp, 3, args + 3, rgb)) {
         return badNumber(interp);
     }
-    int id = graph.addLabel(args[0], parentId, args[2], SbColor(rgb));
+    int id = labels->addLabel(parentId, args[2], SbColor(rgb));
+    if (id < 0 && labels->getLabelBundle(parentId)) {
+        return fail(interp,
+                    String::format("Error: labels nest at most %d levels deep.", KxParamBundle::kMaxDepth));
+    }
     if (id < 0) {
         return fail(interp,
                     String::format("Error: label group %s has no label with id %d.", args[0], parentId));
@@ -286,23 +297,6 @@ int isConsistentCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int, char**, 
     return TCL_OK;
 }
 
-// totalLength -> the summed lengths of all edges' polylines, untransformed.
-int totalLengthCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**, const char* text) {
-    if (nargs != 0) {
-        return usage(interp, text);
-    }
-    double length = 0.0;
-    for (int e = 0; e < graph.getNumEdges(); ++e) {
-        int n = 0;
-        const Vec3f* points = graph.getEdgePoints(e, n);
-        for (int i = 1; i < n; ++i) {
-            length += points[i].distance(points[i - 1]);
-        }
-    }
-    Tcl_SetObjResult(interp, Tcl_NewDoubleObj(length));
-    return TCL_OK;
-}
-
 struct NamedCommand {
     const char* name;
     const char* usage;
@@ -321,7 +315,6 @@ const NamedCommand kCommands[] = {
     {"addLabel", "addLabel group parentId name r g b", addLabelCommand},
     {"getBoundingBox", "getBoundingBox ?transformed?", getBoundingBoxCommand},
     {"isConsistent", "isConsistent", isConsistentCommand},
-    {"totalLength", "totalLength", totalLengthCommand},
 };
 
 // help: one usage line per command of the graph.
@@ -331,6 +324,7 @@ int helpCommand(Tcl_Interp* interp) {
         text += c.usage;
         text += '\n';
     }
+    text += SpatialGraphAnalysisCommands::usageLines();
     Tcl_SetObjResult(interp, Tcl_NewStringObj(text.c_str(), -1));
     return TCL_OK;
 }
@@ -341,9 +335,14 @@ void KxSpatialGraph::registerConsoleCommands() {
     for (const NamedCommand& c : kCommands) {
         theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);
     }
+    SpatialGraphAnalysisCommands::registerCommands();
 }
 
 int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
+    int result = TCL_OK;
+    if (SpatialGraphAnalysisCommands::parse(*this, interp, argc, argv, result)) {
+        return result;
+    }
     if (argc >= 2) {
         for (const NamedCommand& c : kCommands) {
             if (std::strcmp(argv[1], c.name) == 0) {
@@ -352,6 +351,9 @@ int KxSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
         }
         if (std::strcmp(argv[1], "help") == 0) {
             return helpCommand(interp);
+        }
+        if (std::strcmp(argv[1], "edit") == 0) {
+            return parseEditCommand(*this, interp, argc, argv);
         }
     }
     return KxSpatialData::parse(interp, argc, argv);

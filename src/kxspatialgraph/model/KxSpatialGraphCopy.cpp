@@ -23,7 +23,7 @@ void copyValues(GraphAttribute* dst, int firstValue, const GraphAttribute* src) 
     if (n <= 0) {
         return;
     }
-    size_t elementSize = static_cast<size_t>(dst->getElementSize());
+    size_t elementSize = dst->getElementSize();
     std::memcpy(static_cast<unsigned char*>(dst->dataPtr()) + static_cast<size_t>(firstValue) * elementSize,
                 src->dataPtr(), static_cast<size_t>(n) * elementSize);
 }

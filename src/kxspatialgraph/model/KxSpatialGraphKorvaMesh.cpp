@@ -25,8 +25,8 @@ void addAttributeArrays(KorvaMesh& mesh, const KorvaMesh::Location* location, in
         const GraphAttribute* a = get(graph, i);
         const void* values = a->dataPtr();
         if (a->size() != location->getSize()) {
-            size_t need = static_cast<size_t>(location->getSize()) * static_cast<size_t>(a->getElementSize());
-            size_t have = static_cast<size_t>(a->size()) * static_cast<size_t>(a->getElementSize());
+            size_t need = static_cast<size_t>(location->getSize()) * a->getElementSize();
+            size_t have = static_cast<size_t>(a->size()) * a->getElementSize();
             keep.emplace_back(new char[need + 1]());
             std::memcpy(keep.back().get(), a->dataPtr(), std::min(need, have));
             values = keep.back().get();

@@ -1,6 +1,7 @@
 // Consistency check and text reports of KxSpatialGraph.
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -17,6 +18,168 @@ const float kEndPointTolerance = 0.0001f;
 
 }  // namespace
 
+// Each check below tests one invariant, prints one line per fault and
+// answers false if it found any. All of them together run in time linear
+// in the vertices, edges and points, with a few flat arrays and no
+// allocation per vertex, so that graphs of millions of edges are checked
+// after every load.
+bool KxSpatialGraph::isConsistent() const {
+    bool ok = checkEdgeEndsInRange();
+    ok = checkIncidenceLists() && ok;
+    ok = checkEdgePointCounts() && ok;
+    ok = checkEndPointsMeetVertices() && ok;
+    ok = checkValueCounts(vertexAttributes_, getNumVertices(), "vertices", "vertex") && ok;
+    ok = checkValueCounts(edgeAttributes_, getNumEdges(), "edges", "edge") && ok;
+    ok = checkPointValueCounts() && ok;
+    return ok;
+}
+
+bool KxSpatialGraph::checkEdgeEndsInRange() const {
+    bool ok = true;
+    for (int e = 0; e < getNumEdges(); ++e) {
+        if (!isVertex(getEdgeSource(e))) {
+            theMsg->printf("Error: Edge source out of range: Edge: %d. Source: %d. #vertices: %d.", e,
+                           getEdgeSource(e), getNumVertices());
+            ok = false;
+        }
+        if (!isVertex(getEdgeTarget(e))) {
+            theMsg->printf("Error: Edge target out of range: Edge: %d. Target: %d. #vertices: %d.", e,
+                           getEdgeTarget(e), getNumVertices());
+            ok = false;
+        }
+    }
+    return ok;
+}
+
+int KxSpatialGraph::incidenceMultiplicity(int e, int v) const {
+    return (getEdgeSource(e) == v ? 1 : 0) + (getEdgeTarget(e) == v ? 1 : 0);
+}
+
+// How many entries each vertex's list must have: one per edge end at it.
+std::vector<int> KxSpatialGraph::expectedDegrees() const {
+    std::vector<int> degree(static_cast<size_t>(getNumVertices()), 0);
+    for (const SpatialGraphEdge& edge : edges_) {
+        for (int v : {edge.getSource(), edge.getTarget()}) {
+            if (isVertex(v)) {
+                ++degree[static_cast<size_t>(v)];
+            }
+        }
+    }
+    return degree;
+}
+
+// The list of v holds exactly its expected edges, each as often as it has
+// ends at v, when it is as long as the expected degree and every listed
+// edge is listed as often as it has ends at v. counts is per-edge scratch,
+// all zero before and after.
+bool KxSpatialGraph::incidenceListMatches(int v, int degree, std::vector<uint8_t>& counts) const {
+    const IncidenceList& list = incidence_[v];
+    if (list.size() != degree) {
+        return false;
+    }
+    for (int e : list) {
+        if (e < 0 || e >= getNumEdges()) {
+            return false;
+        }
+    }
+    for (int e : list) {
+        uint8_t& c = counts[static_cast<size_t>(e)];
+        c = c < 3 ? c + 1 : c;
+    }
+    bool ok = true;
+    for (int e : list) {
+        ok = ok && counts[static_cast<size_t>(e)] == incidenceMultiplicity(e, v);
+    }
+    for (int e : list) {
+        counts[static_cast<size_t>(e)] = 0;
+    }
+    return ok;
+}
+
+bool KxSpatialGraph::checkIncidenceLists() const {
+    bool ok = true;
+    if (incidence_.size() != getNumVertices()) {
+        theMsg->printf("Error: Incorrect size of incidence list: %d (#vertices: %d)", incidence_.size(),
+                       getNumVertices());
+        ok = false;
+    }
+    std::vector<int> degree = expectedDegrees();
+    std::vector<uint8_t> counts(static_cast<size_t>(getNumEdges()), 0);
+    std::vector<int> faulty;
+    for (int v = 0; v < std::min(getNumVertices(), incidence_.size()); ++v) {
+        if (!incidenceListMatches(v, degree[static_cast<size_t>(v)], counts)) {
+            faulty.push_back(v);
+        }
+    }
+    if (!faulty.empty()) {
+        reportIncidenceFaults(faulty, degree);
+        ok = false;
+    }
+    return ok;
+}
+
+// Rebuilds the expected lists of every vertex in one flat array (edges
+// ascending within each, as the edges come), and for each faulty vertex
+// compares them with its stored list, both sorted, position by position.
+void KxSpatialGraph::reportIncidenceFaults(const std::vector<int>& faulty,
+                                           const std::vector<int>& degree) const {
+    std::vector<int> offsets(degree.size() + 1, 0);
+    for (size_t v = 0; v < degree.size(); ++v) {
+        offsets[v + 1] = offsets[v] + degree[v];
+    }
+    std::vector<int> expected(static_cast<size_t>(offsets.back()));
+    std::vector<int> fill(offsets.begin(), offsets.end() - 1);
+    for (int e = 0; e < getNumEdges(); ++e) {
+        for (int v : {getEdgeSource(e), getEdgeTarget(e)}) {
+            if (isVertex(v)) {
+                expected[static_cast<size_t>(fill[static_cast<size_t>(v)]++)] = e;
+            }
+        }
+    }
+    std::vector<int> stored;
+    for (int v : faulty) {
+        stored.assign(incidence_[v].begin(), incidence_[v].end());
+        std::sort(stored.begin(), stored.end());
+        const int* should = expected.data() + offsets[static_cast<size_t>(v)];
+        const int shouldSize = degree[static_cast<size_t>(v)];
+        if (static_cast<int>(stored.size()) != shouldSize) {
+            theMsg->printf(
+                "Error: Inconsistent incident list length for vertex %d. IncidentEdges: %d. "
+                "tmpIncidentEdges: %d.",
+                v, static_cast<int>(stored.size()), shouldSize);
+        }
+        for (int i = 0; i < std::min(static_cast<int>(stored.size()), shouldSize); ++i) {
+            if (stored[static_cast<size_t>(i)] != should[i]) {
+                theMsg->printf("Error: Inconsistent incidence list item for vertex %d: is: %d. should be: %d",
+                               v, stored[static_cast<size_t>(i)], should[i]);
+            }
+        }
+    }
+}
+
+bool KxSpatialGraph::checkEdgePointCounts() const {
+    bool ok = true;
+    for (int e = 0; e < getNumEdges(); ++e) {
+        if (getNumEdgePoints(e) < 2) {
+            theMsg->printf("Error: Edge %d has %d points. Should be at least 2.", e, getNumEdgePoints(e));
+            ok = false;
+        }
+    }
+    return ok;
+}
+
+bool KxSpatialGraph::checkEndPointsMeetVertices() const {
+    bool ok = true;
+    for (int e = 0; e < getNumEdges(); ++e) {
+        int n = getNumEdgePoints(e);
+        if (n > 0) {
+            ok = endPointMatches("source", getEdgeSource(e), e, getEdgePoint(e, 0)) && ok;
+            ok = endPointMatches("target", getEdgeTarget(e), e, getEdgePoint(e, n - 1)) && ok;
+        }
+    }
+    return ok;
+}
+
 bool KxSpatialGraph::endPointMatches(const char* end, int v, int e, const Vec3f& point) const {
     if (!isVertex(v) || coords_[v].distance(point) <= kEndPointTolerance) {
         return true;
@@ -29,104 +192,30 @@ bool KxSpatialGraph::endPointMatches(const char* end, int v, int e, const Vec3f&
     return false;
 }
 
-bool KxSpatialGraph::isConsistent() const {
+bool KxSpatialGraph::checkValueCounts(const DArray<EdgeVertexAttribute*>& list, int count,
+                                      const char* elements, const char* element) const {
     bool ok = true;
-    int numVertices = getNumVertices();
-    int numEdges = getNumEdges();
+    for (const EdgeVertexAttribute* a : list) {
+        if (a->size() != count) {
+            theMsg->printf("Error: unequal number of %s (%d) and %s values (%d) for attribute %s", elements,
+                           count, element, a->size(), a->getName());
+            ok = false;
+        }
+    }
+    return ok;
+}
 
-    for (int e = 0; e < numEdges; ++e) {
-        int s = getEdgeSource(e);
-        int t = getEdgeTarget(e);
-        if (!isVertex(s)) {
-            theMsg->printf("Error: Edge source out of range: Edge: %d. Source: %d. #vertices: %d.", e, s,
-                           numVertices);
-            ok = false;
-        }
-        if (!isVertex(t)) {
-            theMsg->printf("Error: Edge target out of range: Edge: %d. Target: %d. #vertices: %d.", e, t,
-                           numVertices);
-            ok = false;
-        }
-    }
-
-    std::vector<std::vector<int>> rebuilt(static_cast<size_t>(numVertices));
-    for (int e = 0; e < numEdges; ++e) {
-        for (int v : {getEdgeSource(e), getEdgeTarget(e)}) {
-            if (isVertex(v)) {
-                rebuilt[static_cast<size_t>(v)].push_back(e);
-            }
-        }
-    }
-    if (incidence_.size() != numVertices) {
-        theMsg->printf("Error: Incorrect size of incidence list: %d (#vertices: %d)", incidence_.size(),
-                       numVertices);
-        ok = false;
-    }
-    for (int v = 0; v < std::min(numVertices, incidence_.size()); ++v) {
-        std::vector<int> stored(incidence_[v].begin(), incidence_[v].end());
-        std::vector<int>& expected = rebuilt[static_cast<size_t>(v)];
-        if (stored.size() != expected.size()) {
-            theMsg->printf(
-                "Error: Inconsistent incident list length for vertex %d. IncidentEdges: %d. "
-                "tmpIncidentEdges: %d.",
-                v, static_cast<int>(stored.size()), static_cast<int>(expected.size()));
-            ok = false;
-        }
-        std::sort(stored.begin(), stored.end());
-        std::sort(expected.begin(), expected.end());
-        for (size_t i = 0; i < std::min(stored.size(), expected.size()); ++i) {
-            if (stored[i] != expected[i]) {
-                theMsg->printf("Error: Inconsistent incidence list item for vertex %d: is: %d. should be: %d",
-                               v, stored[i], expected[i]);
-                ok = false;
-            }
-        }
-    }
-
-    for (int e = 0; e < numEdges; ++e) {
-        if (getNumEdgePoints(e) < 2) {
-            theMsg->printf("Error: Edge %d has %d points. Should be at least 2.", e, getNumEdgePoints(e));
-            ok = false;
-        }
-    }
-
-    for (int e = 0; e < numEdges; ++e) {
-        int n = getNumEdgePoints(e);
-        if (n == 0) {
-            continue;
-        }
-        int s = getEdgeSource(e);
-        int t = getEdgeTarget(e);
-        Vec3f first = getEdgePoint(e, 0);
-        Vec3f last = getEdgePoint(e, n - 1);
-        ok = endPointMatches("source", s, e, first) && ok;
-        ok = endPointMatches("target", t, e, last) && ok;
-    }
-
-    for (const EdgeVertexAttribute* a : vertexAttributes_) {
-        if (a->size() != numVertices) {
-            theMsg->printf("Error: unequal number of vertices (%d) and vertex values (%d) for attribute %s",
-                           numVertices, a->size(), a->getName());
-            ok = false;
-        }
-    }
-    for (const EdgeVertexAttribute* a : edgeAttributes_) {
-        if (a->size() != numEdges) {
-            theMsg->printf("Error: unequal number of edges (%d) and edge values (%d) for attribute %s",
-                           numEdges, a->size(), a->getName());
-            ok = false;
-        }
-    }
-    int numPoints = getTotalNumEdgePoints();
+bool KxSpatialGraph::checkPointValueCounts() const {
+    const int numPoints = getTotalNumEdgePoints();
+    bool ok = true;
     for (const PointAttribute* a : pointAttributes_) {
         if (a->size() != numPoints) {
             theMsg->printf("Error: unequal number of edge points (%d) and point values (%d) for attribute %s",
                            numPoints, a->size(), a->getName());
-            ok = false;
             // Deliberate: the remaining point attributes are not examined.
-            break;
+            return false;
         }
-        for (int e = 0; e < numEdges; ++e) {
+        for (int e = 0; e < getNumEdges(); ++e) {
             int values = e < a->getNumEdges() ? a->getNumEdgePoints(e) : 0;
             if (values != getNumEdgePoints(e)) {
                 theMsg->printf(

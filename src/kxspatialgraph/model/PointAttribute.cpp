@@ -53,7 +53,7 @@ void PointAttribute::addEdge(const TypedData2D& v) {
     }
     int total = size();
     addEdge(rows);
-    size_t n = std::min(static_cast<size_t>(v.getRowBytes()), elementBytes(1));
+    size_t n = std::min(v.getRowBytes(), elementBytes(1));
     for (int r = 0; r < rows; ++r) {
         std::memcpy(bytes_.data() + elementBytes(total + r), v.getRow(r), n);
     }
@@ -76,7 +76,7 @@ void PointAttribute::insertEdgeBefore(int e, int n) {
 }
 
 void PointAttribute::insertEdgeBefore(int e, const TypedData2D& v) {
-    insertBlock(e, v.getNumRows(), v.getData(), static_cast<size_t>(v.getRowBytes()), v.getNumRows());
+    insertBlock(e, v.getNumRows(), v.getData(), v.getRowBytes(), v.getNumRows());
 }
 
 void PointAttribute::removeEdge(int e) {
@@ -126,6 +126,23 @@ void PointAttribute::insertEdgePoints(int e, int p, int n) {
     EdgeBlockLayout::shiftOffsets(offsets_, e + 1, n);
 }
 
+void PointAttribute::insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at,
+                                              const DArray<int>& counts) {
+    int added = 0;
+    for (int n : counts) {
+        added += n;
+    }
+    if (added == 0) {
+        return;
+    }
+    resizeValues(size() + added);
+    DArray<int> gaps =
+        EdgeBlockLayout::openGapsInEdges(bytes_.data(), getElementSize(), offsets_, at, counts);
+    for (int k = 0; k < gaps.size(); ++k) {
+        std::memset(bytes_.data() + elementBytes(gaps[k]), 0, elementBytes(counts[k]));
+    }
+}
+
 void PointAttribute::removeEdgePoints(int e, int p, int n) {
     if (n == 0) {
         return;
@@ -155,7 +172,7 @@ TypedElement PointAttribute::getValue(int e, int p) const {
 }
 
 void PointAttribute::setValue(int e, int p, const TypedElement& v) {
-    size_t n = std::min(static_cast<size_t>(v.getNumBytes()), elementBytes(1));
+    size_t n = std::min(v.getNumBytes(), elementBytes(1));
     std::memcpy(genericDataAtPoint(e, p), v.getData(), n);
 }
 
@@ -170,7 +187,7 @@ TypedData2D PointAttribute::getValues(int e) const {
 
 void PointAttribute::setValues(int e, const TypedData2D& v) {
     int rows = std::min(getNumEdgePoints(e), v.getNumRows());
-    size_t n = std::min(static_cast<size_t>(v.getRowBytes()), elementBytes(1));
+    size_t n = std::min(v.getRowBytes(), elementBytes(1));
     for (int r = 0; r < rows; ++r) {
         std::memcpy(genericDataAtPoint(e, r), v.getRow(r), n);
     }

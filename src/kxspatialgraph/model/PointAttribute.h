@@ -6,6 +6,7 @@
 #include "korva/base/TypedData2D.h"
 #include "korva/base/TypedElement.h"
 #include "kxspatialgraph/model/GraphAttribute.h"
+#include "kxspatialgraph/model/SpatialGraphPoint.h"
 
 // An attribute with one value per edge point, laid out like the edge point
 // storage: the values of edge 0's points, then edge 1's, ... in one raw byte
@@ -41,6 +42,9 @@ public:
     void insertValuesForMultipleEdges(const DArray<int>& edges, const DArray<TypedData2D>& v);
     // Opens n zero values before point p of edge e; n = 0 does nothing.
     void insertEdgePoints(int e, int p, int n);
+    // Opens counts[k] zero values before point at[k] (at ascending, no
+    // duplicates) in one pass.
+    void insertMultipleEdgePoints(const DArray<SpatialGraphPoint>& at, const DArray<int>& counts);
     // Removes n values from point p of edge e; n = 0 does nothing.
     void removeEdgePoints(int e, int p, int n);
     // If n > 0 and differs from the edge's count: the block grows or shrinks
@@ -69,9 +73,7 @@ public:
     void setFloatDataAtPoint(float v, int e, int p) { *floatDataAtPoint(e, p) = v; }
 
 private:
-    size_t elementBytes(int n) const {
-        return static_cast<size_t>(n) * static_cast<size_t>(getElementSize());
-    }
+    size_t elementBytes(int n) const { return static_cast<size_t>(n) * getElementSize(); }
     size_t byteOffset(int e, int p) const { return elementBytes(offsets_[e] + p); }
     // Resizes the buffer to total values with the growth rule of the graph's arrays.
     void resizeValues(int total);

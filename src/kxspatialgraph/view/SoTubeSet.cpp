@@ -1,46 +1,19 @@
 #include "kxspatialgraph/view/SoTubeSet.h"
 
-#include <GL/glew.h>
-
 #include <algorithm>
 #include <cmath>
 
-#include <Inventor/actions/SoGLRenderAction.h>
-#include <Inventor/bundles/SoMaterialBundle.h>
-#include <Inventor/elements/SoCacheElement.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
-#include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/misc/SoContextHandler.h>
-#include <Inventor/misc/SoState.h>
 
 #include "korva/data/KxColormap.h"
-#include "korva/gl/KxGLCapabilities.h"
 #include "korva/gl/KxShaderProgram.h"
 #include "korva/inventor/KxInventor.h"
+#include "kxspatialgraph/view/PolylineFrames.h"
 
 namespace {
 
-// Generic attribute locations of the tube program (0 aliases gl_Vertex).
-const int kCenterLocation = 1;
-const int kRadiusLocation = 2;
-const int kColorLocation = 3;
 const int kColormapEntries = 256;
-
-Vec3f normalised(const Vec3f& v) {
-    Vec3f n = v;
-    n.normalize();
-    return n;
-}
-
-// Frees a context's GL names; called with that context current.
-void freeGroupCB(void* data, uint32_t) {
-    auto* group = static_cast<SoTubeSet::GLContextGroup*>(data);
-    const GLuint buffers[] = {group->tubeVertexBuffer, group->tubeIndexBuffer, group->centerBuffer,
-                              group->radiusBuffer,     group->colorBuffer,     group->capBuffer};
-    glDeleteBuffers(6, buffers);
-    glDeleteTextures(1, &group->colormapTexture);
-    delete group;
-}
 
 }  // namespace
 
@@ -69,9 +42,9 @@ SoTubeSet::SoTubeSet() {
     program_ = KxShaderProgram::create("kxspatialgraph", "spatialgraphTubes_vert.glsl",
                                        "spatialgraphTubes_frag.glsl");
     if (program_) {
-        program_->bindAttribLocation("centerCoord", kCenterLocation);
-        program_->bindAttribLocation("radius", kRadiusLocation);
-        program_->bindAttribLocation("colorValue", kColorLocation);
+        program_->bindAttribLocation("centerCoord", CENTER_LOCATION);
+        program_->bindAttribLocation("radius", RADIUS_LOCATION);
+        program_->bindAttribLocation("colorValue", COLOR_LOCATION);
         program_->setUniform("scale", scale_);
         program_->setUniform("min", colormapMin_);
         program_->setUniform("range", colormapRange_);
@@ -85,10 +58,11 @@ SoTubeSet::~SoTubeSet() {
     SoContextHandler::removeContextDestructionCallback(contextDestroyedCB, this);
     // GL names can only be freed with their context current: Coin frees
     // them the next time each context renders.
-    contexts_.forEach([](int contextId, GLContextGroup* group) {
-        SoGLCacheContextElement::scheduleDeleteCallback(static_cast<uint32_t>(contextId), freeGroupCB, group);
-    });
-    delete program_;
+    for (auto& [contextId, group] : contexts_) {
+        SoGLCacheContextElement::scheduleDeleteCallback(
+            static_cast<uint32_t>(contextId),
+            [](void* data, uint32_t) { GLFree(static_cast<GLContextGroup*>(data)); }, group.release());
+    }
 }
 
 void SoTubeSet::setNumLines(unsigned int n) {
@@ -161,7 +135,9 @@ void SoTubeSet::setColormap(const KxColormap& colormap) {
         entry[3] = c[0];  // Deliberate: the fourth float repeats red; the program reads only RGB.
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    contexts_.forEach([](int, GLContextGroup* group) { group->colormapDirty = true; });
+    for (auto& entry : contexts_) {
+        entry.second->colormapDirty = true;
+    }
 }
 
 void SoTubeSet::setTubeComplexity(int k) {
@@ -219,10 +195,9 @@ SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* create
         return nullptr;
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    GLContextGroup* group = nullptr;
-    if (!contexts_.lookup(contextId, group)) {
-        group = new GLContextGroup;  // everything dirty: a new context uploads all
-        contexts_.insert(contextId, group);
+    std::unique_ptr<GLContextGroup>& group = contexts_[contextId];
+    if (!group) {
+        group = std::make_unique<GLContextGroup>();  // everything dirty: a new context uploads all
         if (created) {
             *created = true;
         }
@@ -240,104 +215,43 @@ SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* create
         updateCapColors();
     }
     bool geometry = geometryDirty_, radii = radiiDirty_, colors = colorsDirty_;
-    contexts_.forEach([&](int, GLContextGroup* g) {
-        g->geometryDirty |= geometry;
-        g->radiiDirty |= radii;
-        g->colorsDirty |= colors;
-    });
-    geometryDirty_ = radiiDirty_ = colorsDirty_ = false;
-    return group;
-}
-
-void SoTubeSet::forgetContext(int contextId) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    GLContextGroup* group = nullptr;
-    if (contexts_.lookup(contextId, group)) {
-        contexts_.remove(contextId);
-        delete group;
+    for (auto& entry : contexts_) {
+        entry.second->geometryDirty |= geometry;
+        entry.second->radiiDirty |= radii;
+        entry.second->colorsDirty |= colors;
     }
+    geometryDirty_ = radiiDirty_ = colorsDirty_ = false;
+    return group.get();
 }
 
 int SoTubeSet::getNumContextGroups() const {
     std::lock_guard<std::mutex> lock(mutex_);
-    return contexts_.size();
+    return static_cast<int>(contexts_.size());
 }
 
-bool SoTubeSet::hasContextGroup(int contextId) const {
+SoTubeSet::GLContextGroup* SoTubeSet::findContextGroup(int contextId) const {
     std::lock_guard<std::mutex> lock(mutex_);
-    return contexts_.contains(contextId);
+    auto it = contexts_.find(contextId);
+    return it == contexts_.end() ? nullptr : it->second.get();
 }
 
 void SoTubeSet::contextDestroyedCB(uint32_t contextId, void* data) {
     auto* self = static_cast<SoTubeSet*>(data);
-    GLContextGroup* group = nullptr;
+    std::unique_ptr<GLContextGroup> group;
     {
         std::lock_guard<std::mutex> lock(self->mutex_);
-        if (!self->contexts_.lookup(static_cast<int>(contextId), group)) {
+        auto it = self->contexts_.find(static_cast<int>(contextId));
+        if (it == self->contexts_.end()) {
             return;
         }
-        self->contexts_.remove(static_cast<int>(contextId));
+        group = std::move(it->second);
+        self->contexts_.erase(it);
     }
-    if (group->initialized) {
-        freeGroupCB(group, contextId);  // the dying context is current
-    } else {
-        delete group;
-    }
+    GLFree(group.release());  // the dying context is current
 }
 
 // ---------------------------------------------------------------------------
 // CPU geometry
-
-void SoTubeSet::getOrtho(const Vec3f* points, int n, bool closed, std::vector<Vec3f>& normals,
-                         std::vector<Vec3f>& binormals) {
-    normals.assign(std::max(n, 0), Vec3f());
-    binormals.assign(std::max(n, 0), Vec3f());
-    if (n <= 0 || !points) {
-        return;
-    }
-    std::vector<Vec3f> t(n + 1, Vec3f());
-    for (int i = 0; i + 1 < n; ++i) {
-        Vec3f step = points[i + 1] - points[i];
-        t[i + 1] = step.normalize() > 0.0f ? step : t[i];
-    }
-    if (closed) {
-        Vec3f step = points[0] - points[n - 1];
-        t[0] = step.normalize() > 0.0f ? step : t[n - 1];
-    } else {
-        t[0] = t[1];
-        t[n] = t[n - 1];
-    }
-    for (int i = 0; i < n; ++i) {
-        Vec3f sum = t[i] + t[i + 1];
-        if (sum.normalize() > 0.0f) {
-            t[i] = sum;
-        }
-    }
-    if (closed) {
-        t[n - 1] = t[0];
-    }
-    const double eps = 1e-16;
-    double x = t[0].x, y = t[0].y, z = t[0].z, xy = x * x + y * y;
-    Vec3f normal;
-    if (std::fabs(z) > eps && xy > eps) {
-        normal = normalised(Vec3f(t[0].x, t[0].y, static_cast<float>(-xy / z)));
-    } else if (std::fabs(z) > eps) {
-        normal = Vec3f(1.0f, 0.0f, 0.0f);
-    } else {
-        normal = Vec3f(0.0f, 0.0f, 1.0f);
-    }
-    for (int i = 0; i < n; ++i) {
-        if (i > 0) {
-            Vec3f projected = normal - t[i] * normal.dot(t[i]);
-            // A projection too short to normalise keeps the previous normal.
-            if (projected.length() > eps) {
-                normal = normalised(projected);
-            }
-        }
-        normals[i] = normal;
-        binormals[i] = normalised(normal.cross(t[i]));
-    }
-}
 
 void SoTubeSet::generateTubeGeometry() {
     const unsigned int k = static_cast<unsigned int>(complexity_);
@@ -354,7 +268,7 @@ void SoTubeSet::generateTubeGeometry() {
     firstIndex_.assign(numLines_, 0);
     indexCount_.assign(numLines_, 0);
     vertexBase_.assign(numLines_, 0);
-    std::vector<Vec3f> normals, binormals;
+    PolylineFrames frames;
     for (unsigned int line = 0; line < numLines_; ++line) {
         const unsigned int m = static_cast<unsigned int>(pointCounts_[line]);
         const Vec3f* p = points_[line];
@@ -364,10 +278,11 @@ void SoTubeSet::generateTubeGeometry() {
         if (m == 0) {
             continue;
         }
-        getOrtho(p, static_cast<int>(m), false, normals, binormals);
+        frames.compute(p, static_cast<int>(m), false);
         for (unsigned int j = 0; j < k; ++j) {
             for (unsigned int i = 0; i < m; ++i) {
-                tubeVertices_.push_back(p[i] + profile_[j].x * normals[i] + profile_[j].y * binormals[i]);
+                tubeVertices_.push_back(p[i] + profile_[j].x * frames.normals[i] +
+                                        profile_[j].y * frames.binormals[i]);
                 tubeCenters_.insert(tubeCenters_.end(), {p[i].x, p[i].y, p[i].z, 1.0f});
             }
         }
@@ -395,14 +310,14 @@ void SoTubeSet::generateCapGeometry() {
     capVertexNormals_.assign(capVertices_.size(), Vec3f(0.0f, 0.0f, 1.0f));
     capVertexCenters_.assign(capVertices_.size() * 4, 0.0f);
     capVertexColors_.assign(capVertices_.size(), 0.0f);
-    std::vector<Vec3f> normals, binormals;
+    PolylineFrames frames;
     for (unsigned int line = 0; line < numLines_; ++line) {
         const int m = pointCounts_[line];
         const Vec3f* p = points_[line];
         if (m == 0) {
             continue;
         }
-        getOrtho(p, m, false, normals, binormals);
+        frames.compute(p, m, false);
         for (int end = 0; end < 2; ++end) {
             int i = end == 0 ? 0 : m - 1;
             Vec3f outward = m > 1 ? (end == 0 ? p[0] - p[1] : p[m - 1] - p[m - 2]) : Vec3f(0, 0, 1);
@@ -414,7 +329,7 @@ void SoTubeSet::generateCapGeometry() {
             fan[0] = p[i];
             for (unsigned int j = 0; j <= k; ++j) {
                 const Vec3f& q = profile_[j % k];
-                fan[1 + j] = p[i] + q.x * normals[i] + q.y * binormals[i];
+                fan[1 + j] = p[i] + q.x * frames.normals[i] + q.y * frames.binormals[i];
             }
             float* record = &capRecords_[8 * line + 4 * end];
             record[0] = p[i].x;

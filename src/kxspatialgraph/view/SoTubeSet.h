@@ -1,19 +1,23 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <mutex>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <Inventor/SbColor.h>
 #include <Inventor/nodes/SoShape.h>
 #include <Inventor/nodes/SoSubNode.h>
 
-#include "korva/base/HashTable.h"
 #include "korva/base/Vec3f.h"
 #include "korva/inventor/SoMFBit.h"
 
 class KxColormap;
 class KxShaderProgram;
+class SoState;
 
 // Draws every line of a spatial graph as a shaded tube around its polyline,
 // closed by caps, on the GPU. The surface is generated once on the CPU as
@@ -39,25 +43,6 @@ public:
     SoMFBit visible;
     SoMFBit highlighted;
 
-    // What one rendering context holds: its GL names and which data it still has to upload.
-    struct GLContextGroup {
-        bool initialized = false;
-        bool geometryDirty = true;
-        bool radiiDirty = true;
-        bool colorsDirty = true;
-        bool colormapDirty = true;
-        unsigned int tubeVertexBuffer = 0;
-        unsigned int tubeIndexBuffer = 0;
-        unsigned int centerBuffer = 0;
-        unsigned int radiusBuffer = 0;
-        unsigned int colorBuffer = 0;
-        unsigned int capBuffer = 0;
-        unsigned int capNormalBuffer = 0;
-        unsigned int capCenterBuffer = 0;
-        unsigned int capColorBuffer = 0;
-        unsigned int colormapTexture = 0;
-    };
-
     // Ends each line's strip in the index buffer, so that runs of lines draw in one call.
     static constexpr unsigned int kRestartIndex = 0xFFFFFFFFu;
 
@@ -76,7 +61,6 @@ public:
     void setColormapDataWindow(float minValue, float maxValue);
     // Samples 256 entries of the colormap; marks the colormap dirty in every context.
     void setColormap(const KxColormap& colormap);
-    const std::vector<float>& getColormapData() const { return colormap_; }
     void drawCaps(bool on) { renderCaps_ = on; }
     // Sides per ring; ignored unless k > 2.
     void setTubeComplexity(int k);
@@ -90,41 +74,6 @@ public:
     bool isConstantRadius() const { return constantRadius_; }
     bool isColorPerLine() const { return colorPerLine_; }
 
-    // The colour the tube and cap passes give line i through the fixed
-    // function colour: highlight colour, uniform colour, or in per-line mode
-    // the colormap entry of the line's value. Only meaningful when the
-    // program does not read per-point colour values.
-    SbColor getLineColor(unsigned int line) const;
-
-    // Context bookkeeping (no GL needed). prepareContext finds or creates the
-    // record of a context and moves the node's dirty flags into every record;
-    // null when there is nothing to draw (no lines), and then no record is
-    // made. forgetContext drops a record without touching GL.
-    GLContextGroup* prepareContext(int contextId, bool* created = nullptr);
-    void forgetContext(int contextId);
-    int getNumContextGroups() const;
-    bool hasContextGroup(int contextId) const;
-
-    // CPU geometry, regenerated when the geometry is dirty.
-    const std::vector<Vec3f>& getExtrusionProfile() const { return profile_; }
-    const std::vector<Vec3f>& getTubeVertices() const { return tubeVertices_; }
-    const std::vector<unsigned int>& getTubeIndices() const { return tubeIndices_; }
-    unsigned int getFirstIndex(unsigned int line) const { return firstIndex_[line]; }
-    unsigned int getIndexCount(unsigned int line) const { return indexCount_[line]; }
-    // Cap record of a line end (end 0 = start, 1 = end): centre x, y, z and radius.
-    const float* getCapRecord(unsigned int line, int end) const { return &capRecords_[8 * line + 4 * end]; }
-    float getCapColorValue(unsigned int line, int end) const { return capColorValues_[2 * line + end]; }
-    void generateTubeGeometry();
-    void generateCapGeometry();
-    void updateCapRadii();
-    void updateCapColors();
-
-    // Frame along a polyline: averaged tangents, a first normal derived from
-    // the first tangent, each following normal projected off its tangent, and
-    // binormal = normal × tangent. One normal and binormal per point.
-    static void getOrtho(const Vec3f* points, int n, bool closed, std::vector<Vec3f>& normals,
-                         std::vector<Vec3f>& binormals);
-
     void GLRender(SoGLRenderAction* action) override;
 
 protected:
@@ -135,19 +84,90 @@ protected:
     void generatePrimitives(SoAction*) override {}
 
 private:
+    friend class SoTubeSetTestAccess;
+
+    // Generic attribute locations of the tube program (0 aliases gl_Vertex).
+    enum AttributeLocation { CENTER_LOCATION = 1, RADIUS_LOCATION = 2, COLOR_LOCATION = 3 };
+    // The buffer objects of one rendering context, created and deleted
+    // together from one table of names.
+    enum GLBuffer {
+        TUBE_VERTICES,
+        TUBE_INDICES,
+        TUBE_CENTERS,
+        TUBE_RADII,
+        TUBE_COLORS,
+        CAP_VERTICES,
+        CAP_NORMALS,
+        CAP_CENTERS,
+        CAP_COLORS,
+        NUM_GL_BUFFERS
+    };
+    // What one rendering context holds: its GL names and which data it still has to upload.
+    struct GLContextGroup {
+        bool initialized = false;
+        bool geometryDirty = true;
+        bool radiiDirty = true;
+        bool colorsDirty = true;
+        bool colormapDirty = true;
+        std::array<unsigned int, NUM_GL_BUFFERS> buffers{};
+        unsigned int colormapTexture = 0;
+    };
+    // Which program variants a frame draws with: per-point colours need a
+    // second, constant-colour pass for the highlighted lines.
+    struct DrawPrograms {
+        bool perPointColor = false;
+        bool anyHighlighted = false;
+        std::vector<std::string> macros;
+        std::vector<std::string> highlightMacros;
+    };
+    // Which lines a draw pass takes (all visible ones, or split by the highlight bit).
+    enum LinePass { ALL_LINES, SKIP_HIGHLIGHTED, ONLY_HIGHLIGHTED };
+
+    // The colour the tube and cap passes give a line through the fixed
+    // function colour: highlight colour, uniform colour, or in per-line mode
+    // the colormap entry of the line's value. Only meaningful when the
+    // program does not read per-point colour values.
+    SbColor getLineColor(unsigned int line) const;
+
+    // Context bookkeeping (no GL needed). prepareContext finds or creates the
+    // record of a context and moves the node's dirty flags into every record;
+    // null when there is nothing to draw (no lines), and then no record is
+    // made.
+    GLContextGroup* prepareContext(int contextId, bool* created = nullptr);
+    int getNumContextGroups() const;
+    GLContextGroup* findContextGroup(int contextId) const;
+
+    // CPU geometry, regenerated when the geometry is dirty. Cap record of a
+    // line end (end 0 = start, 1 = end): centre x, y, z and radius.
+    const float* getCapRecord(unsigned int line, int end) const { return &capRecords_[8 * line + 4 * end]; }
+    void generateTubeGeometry();
+    void generateCapGeometry();
+    void updateCapRadii();
+    void updateCapColors();
     void generateExtrusionGeometry();
     float pointRadius(unsigned int line, int point) const;
     float pointColorValue(unsigned int line, int point) const;
     unsigned int capFirst(unsigned int line, int end) const { return (2 * line + end) * (complexity_ + 2); }
 
-    void GLInit(GLContextGroup& group);
+    static void GLInit(GLContextGroup& group);
+    // Deletes the group's GL names (its context current) and the group.
+    static void GLFree(GLContextGroup* group);
+    void GLUploadDirtyData(GLContextGroup& group);
     void GLUploadTubeGeometry(GLContextGroup& group);
     void GLUploadCapGeometry(GLContextGroup& group);
     void GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(unsigned int, int) const);
     void GLUploadTubeRadii(GLContextGroup& group);
     void GLUploadTubeColors(GLContextGroup& group);
-    // Which lines a draw pass takes (all visible ones, or split by the highlight bit).
-    enum LinePass { ALL_LINES, SKIP_HIGHLIGHTED, ONLY_HIGHLIGHTED };
+    DrawPrograms choosePrograms() const;
+    void GLBindColormap(GLContextGroup& group);
+    void GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms& programs);
+    void GLBindCapArrays(const GLContextGroup& group, const DrawPrograms& programs);
+    static void GLDisableArrays();
+    // Program, texture and buffers off; Coin told that the current colour changed.
+    static void GLRestoreState(SoState* state, const DrawPrograms& programs);
+    // Draws the lines in their own colours, then (per-point colours only)
+    // the highlighted ones with the constant-colour variant of the program.
+    void GLDrawPasses(int contextId, const DrawPrograms& programs, void (SoTubeSet::*render)(LinePass));
     bool drawsLine(unsigned int line, LinePass pass) const;
     // Calls draw(first line, end line) for each run of consecutive lines that
     // the pass takes and that share one colour, after setting that colour.
@@ -186,8 +206,8 @@ private:
     bool colorPerLine_ = false;
 
     mutable std::mutex mutex_;
-    HashTable<int, GLContextGroup*> contexts_;
-    KxShaderProgram* program_ = nullptr;
+    std::unordered_map<int, std::unique_ptr<GLContextGroup>> contexts_;
+    std::unique_ptr<KxShaderProgram> program_;
 
     std::vector<Vec3f> tubeVertices_;
     std::vector<float> tubeCenters_;  // 4 per vertex

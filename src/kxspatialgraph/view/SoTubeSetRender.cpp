@@ -14,10 +14,6 @@
 
 namespace {
 
-const GLuint kCenterLocation = 1;
-const GLuint kRadiusLocation = 2;
-const GLuint kColorLocation = 3;
-
 template <class T>
 void uploadBuffer(GLenum target, GLuint buffer, const std::vector<T>& data) {
     glBindBuffer(target, buffer);
@@ -34,17 +30,7 @@ void bindAttribute(GLuint location, GLuint buffer, GLint size) {
 }  // namespace
 
 void SoTubeSet::GLInit(GLContextGroup& group) {
-    GLuint buffers[9];
-    glGenBuffers(9, buffers);
-    group.tubeVertexBuffer = buffers[0];
-    group.tubeIndexBuffer = buffers[1];
-    group.centerBuffer = buffers[2];
-    group.radiusBuffer = buffers[3];
-    group.colorBuffer = buffers[4];
-    group.capBuffer = buffers[5];
-    group.capNormalBuffer = buffers[6];
-    group.capCenterBuffer = buffers[7];
-    group.capColorBuffer = buffers[8];
+    glGenBuffers(static_cast<GLsizei>(group.buffers.size()), group.buffers.data());
     glGenTextures(1, &group.colormapTexture);
     glBindTexture(GL_TEXTURE_1D, group.colormapTexture);
     glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -54,16 +40,40 @@ void SoTubeSet::GLInit(GLContextGroup& group) {
     group.initialized = true;
 }
 
+void SoTubeSet::GLFree(GLContextGroup* group) {
+    if (group->initialized) {
+        glDeleteBuffers(static_cast<GLsizei>(group->buffers.size()), group->buffers.data());
+        glDeleteTextures(1, &group->colormapTexture);
+    }
+    delete group;
+}
+
+void SoTubeSet::GLUploadDirtyData(GLContextGroup& group) {
+    if (!group.initialized) {
+        GLInit(group);
+    }
+    if (group.geometryDirty) {
+        GLUploadTubeGeometry(group);
+        GLUploadCapGeometry(group);
+    }
+    if (group.radiiDirty) {
+        GLUploadTubeRadii(group);
+    }
+    if (group.colorsDirty) {
+        GLUploadTubeColors(group);
+    }
+}
+
 void SoTubeSet::GLUploadTubeGeometry(GLContextGroup& group) {
-    uploadBuffer(GL_ARRAY_BUFFER, group.tubeVertexBuffer, tubeVertices_);
-    uploadBuffer(GL_ARRAY_BUFFER, group.centerBuffer, tubeCenters_);
-    uploadBuffer(GL_ELEMENT_ARRAY_BUFFER, group.tubeIndexBuffer, tubeIndices_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[TUBE_VERTICES], tubeVertices_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[TUBE_CENTERS], tubeCenters_);
+    uploadBuffer(GL_ELEMENT_ARRAY_BUFFER, group.buffers[TUBE_INDICES], tubeIndices_);
     group.geometryDirty = false;
 }
 
 void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
-    uploadBuffer(GL_ARRAY_BUFFER, group.capBuffer, capVertices_);
-    uploadBuffer(GL_ARRAY_BUFFER, group.capNormalBuffer, capVertexNormals_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES], capVertices_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], capVertexNormals_);
 }
 
 // Radii and colour values go straight from the borrowed per-point arrays into
@@ -90,17 +100,17 @@ void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(
 
 void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
     group.radiiDirty = false;
-    uploadBuffer(GL_ARRAY_BUFFER, group.capCenterBuffer, capVertexCenters_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_CENTERS], capVertexCenters_);
     if (!constantRadius_ && !tubeVertices_.empty()) {
-        GLUploadPerPoint(group.radiusBuffer, &SoTubeSet::pointRadius);
+        GLUploadPerPoint(group.buffers[TUBE_RADII], &SoTubeSet::pointRadius);
     }
 }
 
 void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
     group.colorsDirty = false;
-    uploadBuffer(GL_ARRAY_BUFFER, group.capColorBuffer, capVertexColors_);
+    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_COLORS], capVertexColors_);
     if (!constantColor_ && !colorPerLine_ && !tubeVertices_.empty()) {
-        GLUploadPerPoint(group.colorBuffer, &SoTubeSet::pointColorValue);
+        GLUploadPerPoint(group.buffers[TUBE_COLORS], &SoTubeSet::pointColorValue);
     }
 }
 
@@ -115,100 +125,29 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     if (!group) {
         return;
     }
-    if (!group->initialized) {
-        GLInit(*group);
-    }
-    if (group->geometryDirty) {
-        GLUploadTubeGeometry(*group);
-        GLUploadCapGeometry(*group);
-    }
-    if (group->radiiDirty) {
-        GLUploadTubeRadii(*group);
-    }
-    if (group->colorsDirty) {
-        GLUploadTubeColors(*group);
-    }
-
+    GLUploadDirtyData(*group);
     SoMaterialBundle bundle(action);
     bundle.sendFirst();
-    const bool perPointColor = !constantColor_ && !colorPerLine_;
-    // With per-point colours the program ignores glColor, so highlighted
-    // tubes get a second pass with the constant-colour variant.
-    bool anyHighlighted = false;
-    if (perPointColor) {
-        for (unsigned int line = 0; line < numLines_ && !anyHighlighted; ++line) {
-            anyHighlighted = visible.test(static_cast<int>(line)) && highlighted.test(static_cast<int>(line));
-        }
-    }
-    std::vector<std::string> macros;
-    if (constantRadius_) {
-        macros.push_back("CONST_RADIUS");
-    }
-    std::vector<std::string> highlightMacros = macros;
-    highlightMacros.push_back("CONST_COLOR");
-    if (!perPointColor) {
-        macros = highlightMacros;
-    }
 
-    if (perPointColor) {
-        glActiveTexture(GL_TEXTURE0);
-        glBindTexture(GL_TEXTURE_1D, group->colormapTexture);
-        if (group->colormapDirty) {
-            glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA32F_ARB, static_cast<GLsizei>(colormap_.size() / 4), 0,
-                         GL_RGBA, GL_FLOAT, colormap_.data());
-            group->colormapDirty = false;
-        }
+    DrawPrograms programs = choosePrograms();
+    if (programs.perPointColor) {
+        GLBindColormap(*group);
     }
-    glBindBuffer(GL_ARRAY_BUFFER, group->tubeVertexBuffer);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    bindAttribute(kCenterLocation, group->centerBuffer, 4);
-    if (!constantRadius_) {
-        bindAttribute(kRadiusLocation, group->radiusBuffer, 1);
-    }
-    if (perPointColor) {
-        bindAttribute(kColorLocation, group->colorBuffer, 1);
-    }
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, group->tubeIndexBuffer);
-    // The lines in their own colours, then (per-point colours only) the
-    // highlighted ones by the constant-colour variant of the program.
-    auto drawPasses = [&](void (SoTubeSet::*render)(LinePass)) {
-        program_->setMacros(macros);
-        if (program_->apply(contextId)) {
-            (this->*render)(perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
-        }
-        if (anyHighlighted) {
-            glDisableVertexAttribArray(kColorLocation);
-            program_->setMacros(highlightMacros);
-            if (program_->apply(contextId)) {
-                (this->*render)(ONLY_HIGHLIGHTED);
-            }
-        }
-    };
-    drawPasses(&SoTubeSet::GLRenderTubes);
-    glDisableVertexAttribArray(kCenterLocation);
-    glDisableVertexAttribArray(kRadiusLocation);
-    glDisableVertexAttribArray(kColorLocation);
-
+    GLBindTubeArrays(*group, programs);
+    GLDrawPasses(contextId, programs, &SoTubeSet::GLRenderTubes);
+    GLDisableArrays();
     if (renderCaps_) {
-        glBindBuffer(GL_ARRAY_BUFFER, group->capBuffer);
-        glVertexPointer(3, GL_FLOAT, 0, nullptr);
-        glBindBuffer(GL_ARRAY_BUFFER, group->capNormalBuffer);
-        glEnableClientState(GL_NORMAL_ARRAY);
-        glNormalPointer(GL_FLOAT, 0, nullptr);
-        bindAttribute(kCenterLocation, group->capCenterBuffer, 4);
-        if (perPointColor) {
-            bindAttribute(kColorLocation, group->capColorBuffer, 1);
-        }
-        macros.push_back("RENDER_CAPS");
-        highlightMacros.push_back("RENDER_CAPS");
-        drawPasses(&SoTubeSet::GLRenderCaps);
-        glDisableVertexAttribArray(kCenterLocation);
-        glDisableVertexAttribArray(kColorLocation);
-        glDisableClientState(GL_NORMAL_ARRAY);
+        GLBindCapArrays(*group, programs);
+        programs.macros.push_back("RENDER_CAPS");
+        programs.highlightMacros.push_back("RENDER_CAPS");
+        GLDrawPasses(contextId, programs, &SoTubeSet::GLRenderCaps);
+        GLDisableArrays();
     }
-    glDisableClientState(GL_VERTEX_ARRAY);
-    if (perPointColor) {
+    GLRestoreState(state, programs);
+}
+
+void SoTubeSet::GLRestoreState(SoState* state, const DrawPrograms& programs) {
+    if (programs.perPointColor) {
         glBindTexture(GL_TEXTURE_1D, 0);
     }
     KxShaderProgram::off();
@@ -216,6 +155,88 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     // glColor calls changed the current colour behind Coin's back.
     SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
+}
+
+SoTubeSet::DrawPrograms SoTubeSet::choosePrograms() const {
+    DrawPrograms programs;
+    programs.perPointColor = !constantColor_ && !colorPerLine_;
+    // With per-point colours the program ignores glColor, so highlighted
+    // tubes get a second pass with the constant-colour variant.
+    if (programs.perPointColor) {
+        for (unsigned int line = 0; line < numLines_ && !programs.anyHighlighted; ++line) {
+            programs.anyHighlighted =
+                visible.test(static_cast<int>(line)) && highlighted.test(static_cast<int>(line));
+        }
+    }
+    if (constantRadius_) {
+        programs.macros.push_back("CONST_RADIUS");
+    }
+    programs.highlightMacros = programs.macros;
+    programs.highlightMacros.push_back("CONST_COLOR");
+    if (!programs.perPointColor) {
+        programs.macros = programs.highlightMacros;
+    }
+    return programs;
+}
+
+void SoTubeSet::GLBindColormap(GLContextGroup& group) {
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_1D, group.colormapTexture);
+    if (group.colormapDirty) {
+        glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA32F_ARB, static_cast<GLsizei>(colormap_.size() / 4), 0, GL_RGBA,
+                     GL_FLOAT, colormap_.data());
+        group.colormapDirty = false;
+    }
+}
+
+void SoTubeSet::GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms& programs) {
+    glBindBuffer(GL_ARRAY_BUFFER, group.buffers[TUBE_VERTICES]);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, nullptr);
+    bindAttribute(CENTER_LOCATION, group.buffers[TUBE_CENTERS], 4);
+    if (!constantRadius_) {
+        bindAttribute(RADIUS_LOCATION, group.buffers[TUBE_RADII], 1);
+    }
+    if (programs.perPointColor) {
+        bindAttribute(COLOR_LOCATION, group.buffers[TUBE_COLORS], 1);
+    }
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, group.buffers[TUBE_INDICES]);
+}
+
+void SoTubeSet::GLBindCapArrays(const GLContextGroup& group, const DrawPrograms& programs) {
+    glBindBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES]);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, nullptr);
+    glBindBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS]);
+    glEnableClientState(GL_NORMAL_ARRAY);
+    glNormalPointer(GL_FLOAT, 0, nullptr);
+    bindAttribute(CENTER_LOCATION, group.buffers[CAP_CENTERS], 4);
+    if (programs.perPointColor) {
+        bindAttribute(COLOR_LOCATION, group.buffers[CAP_COLORS], 1);
+    }
+}
+
+void SoTubeSet::GLDisableArrays() {
+    glDisableVertexAttribArray(CENTER_LOCATION);
+    glDisableVertexAttribArray(RADIUS_LOCATION);
+    glDisableVertexAttribArray(COLOR_LOCATION);
+    glDisableClientState(GL_NORMAL_ARRAY);
+    glDisableClientState(GL_VERTEX_ARRAY);
+}
+
+void SoTubeSet::GLDrawPasses(int contextId, const DrawPrograms& programs,
+                             void (SoTubeSet::*render)(LinePass)) {
+    program_->setMacros(programs.macros);
+    if (program_->apply(contextId)) {
+        (this->*render)(programs.perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
+    }
+    if (programs.anyHighlighted) {
+        glDisableVertexAttribArray(COLOR_LOCATION);
+        program_->setMacros(programs.highlightMacros);
+        if (program_->apply(contextId)) {
+            (this->*render)(ONLY_HIGHLIGHTED);
+        }
+    }
 }
 
 bool SoTubeSet::drawsLine(unsigned int line, LinePass pass) const {

@@ -55,17 +55,19 @@ SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph) {
         root = node.getSpatialGraphNode();
         root->ref();
         if (KxGLCapabilities::hasShadersAndBuffers()) {
-            node.makeTubes2(&visible);
+            node.makeGpuTubes(&visible);
             node.setTubeScaleAttribute(thickness);
             node.setTubeScaleFactor(scale);
             node.setTubeConstantColor(SbColor(0.8f, 0.8f, 0.8f));
             node.setTubeColorAttribute(nullptr);
         } else {
-            theMsg->printf(
-                "SpatialGraphView: Crucial OpenGL features are missing! Falling back to legacy tube "
-                "rendering ...");
+            if (!KxGLCapabilities::legacyForced()) {
+                theMsg->printf(
+                    "SpatialGraphView: Crucial OpenGL features are missing! Falling back to legacy tube "
+                    "rendering ...");
+            }
             // The legacy profile has radius 0.5: twice the scale gives the same tubes.
-            node.makeTubes(&visible, nullptr, thickness, 2.0f * scale, false);
+            node.makeLegacyTubes(&visible, nullptr, thickness, 2.0f * scale, false);
         }
     }
     root->unrefNoDelete();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <mutex>
 
 #include <Inventor/nodes/SoDepthBuffer.h>
 #include <Inventor/nodes/SoDrawStyle.h>
@@ -21,8 +20,6 @@
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "kxspatialgraph/view/SoTubeSet.h"
-
-KxColormap* SpatialGraphViewNode::randomColormap = nullptr;
 
 namespace {
 
@@ -47,24 +44,25 @@ SpatialGraphViewNode::SpatialGraphViewNode(const KxSpatialGraphInterface* graph)
 
 SpatialGraphViewNode::~SpatialGraphViewNode() = default;
 
-void SpatialGraphViewNode::initRandomColormap() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        randomColormap = new KxColormap;
-        randomColormap->resize(256);
-        randomColormap->setMinMax(0.0f, 255.0f);
+const KxColormap* SpatialGraphViewNode::getRandomColormap() {
+    static const KxColormap colormap = [] {
+        KxColormap random;
+        random.resize(256);
+        random.setMinMax(0.0f, 255.0f);
         for (int i = 0; i < 256; ++i) {
             SbColor c(std::rand() / static_cast<float>(RAND_MAX), std::rand() / static_cast<float>(RAND_MAX),
                       std::rand() / static_cast<float>(RAND_MAX));
-            randomColormap->setEntry(i, c, 1.0f);
+            random.setEntry(i, c, 1.0f);
         }
-    });
+        return random;
+    }();
+    return &colormap;
 }
 
 void SpatialGraphViewNode::init() {
     KxInventor::init();
     SoTubeSet::initClass();
-    initRandomColormap();
+    getRandomColormap();  // made once, when the first node is
     edgeDefaultColor_.setValue(0.8f, 0.8f, 0.8f);
     vertexDefaultColor_.setValue(0.8f, 0.8f, 0.8f);
     undefinedColor_.setValue(0.0f, 0.0f, 0.0f);

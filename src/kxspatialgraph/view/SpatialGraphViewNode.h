@@ -10,6 +10,7 @@
 #include "kxspatialgraph/model/KxSpatialGraphInterface.h"
 #include "kxspatialgraph/model/SpatialGraphPoint.h"
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
+#include "kxspatialgraph/view/PolylineFrames.h"
 
 class GraphAttribute;
 class KxColormap;
@@ -74,13 +75,15 @@ public:
     void makeVertices(const SpatialGraphSelection* visible);
     void makeHighlightedVertices(const SpatialGraphSelection* highlighted,
                                  const SpatialGraphSelection* visible);
-    void makeTubes2(const SpatialGraphSelection* visible);
+    // Tubes drawn on the GPU by one SoTubeSet: every edge is a line, the
+    // visible edges' bits are set.
+    void makeGpuTubes(const SpatialGraphSelection* visible);
     void makeHighlightedTubes(const SpatialGraphSelection* highlighted, const SpatialGraphSelection* visible);
     // Legacy tubes of faces, for drivers without shaders. Radius at each
     // point: the float point attribute radiusAttr (1 without) × scale.
     // noLabelColors as in setLineColor.
-    void makeTubes(const SpatialGraphSelection* visible, const GraphAttribute* colorAttr,
-                   const GraphAttribute* radiusAttr, float scale, bool noLabelColors);
+    void makeLegacyTubes(const SpatialGraphSelection* visible, const GraphAttribute* colorAttr,
+                         const GraphAttribute* radiusAttr, float scale, bool noLabelColors);
 
     void setTubeColorAttribute(const GraphAttribute* attr);
     void setTubeScaleAttribute(const GraphAttribute* attr);
@@ -107,8 +110,8 @@ public:
     bool getPickedElement(const SpatialGraphSelection* visible, const SpatialGraphSelection* highlighted,
                           const SoPickedPoint* pickedPoint, int& vertex, int& edge,
                           SpatialGraphPoint& point) const;
-    // Frame along an edge, one normal and binormal per point; the caller deletes[] both arrays.
-    void getOrtho(int edge, bool closed, Vec3f** normals, Vec3f** binormals) const;
+    // Frame along an edge, one normal and binormal per point (none without a graph).
+    PolylineFrames edgeFrames(int edge, bool closed) const;
 
     void removeLines();
     void removeHighlightedLines();
@@ -116,8 +119,9 @@ public:
     void removeHighlightedPoints();
     void removeVertices();
     void removeHighlightedVertices();
-    void removeTubes();
-    void removeTubes2();
+    void removeLegacyTubes();
+    // Takes the tube set out of the scene and keeps it for the next makeGpuTubes.
+    void removeGpuTubes();
 
     SoLineSet* getLineSet() const { return lineSet_; }
     SoLineSet* getHighlightedLineSet() const { return highlightedLineSet_; }
@@ -128,11 +132,10 @@ public:
     SoSeparator* getLegacyTubeSeparator() const { return legacyTubeSeparator_; }
 
     // 256 random colours over [0, 255], shared by all nodes, made once.
-    static const KxColormap* getRandomColormap() { return randomColormap; }
+    static const KxColormap* getRandomColormap();
 
 private:
     void init();
-    static void initRandomColormap();
     void addShape(SoSeparator* group, SoDrawStyle* style, SoNode* shape);
     // Calls f(edge, point) for the points of sel in the point-set layout.
     template <class F>
@@ -146,8 +149,6 @@ private:
     SbColor valueColor(const GraphAttribute* attr, int index, int point, bool labels,
                        const HashTable<int, SbColor>& table, const KxPortColormap* port) const;
     bool useLabels(const GraphAttribute* attr, bool noLabelColors) const;
-
-    static KxColormap* randomColormap;
 
     const KxSpatialGraphInterface* graph_ = nullptr;
     const KxPortColormap* edgeColormapPort_ = nullptr;

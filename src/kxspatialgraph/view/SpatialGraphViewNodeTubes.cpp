@@ -32,25 +32,22 @@ SbVec3f profilePoint(int i) {
 
 }  // namespace
 
-void SpatialGraphViewNode::getOrtho(int edge, bool closed, Vec3f** normals, Vec3f** binormals) const {
+PolylineFrames SpatialGraphViewNode::edgeFrames(int edge, bool closed) const {
     int n = 0;
     const Vec3f* points = graph_ ? graph_->doGetEdgePoints(edge, n) : nullptr;
-    std::vector<Vec3f> ns, bs;
-    SoTubeSet::getOrtho(points, n, closed, ns, bs);
-    *normals = new Vec3f[ns.size()];
-    *binormals = new Vec3f[bs.size()];
-    std::copy(ns.begin(), ns.end(), *normals);
-    std::copy(bs.begin(), bs.end(), *binormals);
+    PolylineFrames frames;
+    frames.compute(points, n, closed);
+    return frames;
 }
 
 // ---------------------------------------------------------------------------
 // GPU tubes
 
-void SpatialGraphViewNode::makeTubes2(const SpatialGraphSelection* visible) {
+void SpatialGraphViewNode::makeGpuTubes(const SpatialGraphSelection* visible) {
     if (!visible || !graph_) {
         return;
     }
-    removeTubes2();
+    removeGpuTubes();
     int numEdges = graph_->doGetNumEdges();
     tubeSet_->setNumLines(static_cast<unsigned int>(numEdges));
     for (int e = 0; e < numEdges; ++e) {
@@ -82,7 +79,7 @@ void SpatialGraphViewNode::makeHighlightedTubes(const SpatialGraphSelection* hig
     tubeSet_->setHighlightColor(highlightColor_);
 }
 
-void SpatialGraphViewNode::removeTubes2() {
+void SpatialGraphViewNode::removeGpuTubes() {
     tubeSeparator_->removeAllChildren();  // the tube set itself is kept
 }
 
@@ -158,12 +155,13 @@ void SpatialGraphViewNode::setTubeColormap(const KxColormap* colormap) {
 // ---------------------------------------------------------------------------
 // Legacy tubes
 
-void SpatialGraphViewNode::makeTubes(const SpatialGraphSelection* visible, const GraphAttribute* colorAttr,
-                                     const GraphAttribute* radiusAttr, float scale, bool noLabelColors) {
+void SpatialGraphViewNode::makeLegacyTubes(const SpatialGraphSelection* visible,
+                                           const GraphAttribute* colorAttr, const GraphAttribute* radiusAttr,
+                                           float scale, bool noLabelColors) {
     if (!visible || !graph_) {
         return;
     }
-    removeTubes();
+    removeLegacyTubes();
     const auto* radii = dynamic_cast<const PointAttribute*>(radiusAttr);
     if (radii && radii->getPrimType().getType() != PrimType::FLOAT32) {
         radii = nullptr;
@@ -187,8 +185,7 @@ void SpatialGraphViewNode::makeTubes(const SpatialGraphSelection* visible, const
         if (!visible->isSelectedEdge(e) || m < 2) {
             continue;
         }
-        std::vector<Vec3f> normals, binormals;
-        SoTubeSet::getOrtho(points, m, false, normals, binormals);
+        const PolylineFrames frames = edgeFrames(e, false);
         const auto base = static_cast<int32_t>(vertices.size());
         for (int i = 0; i < m; ++i) {
             float r = radii ? std::max(radii->getFloatDataAtPoint(e, i), 0.0f) : 1.0f;
@@ -197,7 +194,7 @@ void SpatialGraphViewNode::makeTubes(const SpatialGraphSelection* visible, const
                                       : edgeDefaultColor_;
             for (int j = 0; j < kProfilePoints; ++j) {
                 SbVec3f q = profilePoint(j) * scale;
-                SbVec3f offset = SbVec3f(normals[i]) * q[0] + SbVec3f(binormals[i]) * q[1];
+                SbVec3f offset = SbVec3f(frames.normals[i]) * q[0] + SbVec3f(frames.binormals[i]) * q[1];
                 vertices.push_back(SbVec3f(points[i]) + offset * r);
                 if (pointColors) {
                     colours.push_back(pointColour);
@@ -244,7 +241,7 @@ void SpatialGraphViewNode::makeTubes(const SpatialGraphSelection* visible, const
     }
 }
 
-void SpatialGraphViewNode::removeTubes() {
+void SpatialGraphViewNode::removeLegacyTubes() {
     // The legacy-tube separator keeps its own draw style as first child.
     while (legacyTubeSeparator_->getNumChildren() > 1) {
         legacyTubeSeparator_->removeChild(legacyTubeSeparator_->getNumChildren() - 1);

@@ -63,7 +63,7 @@ TEST(SmallArrayTest, CopiesAndMovesInBothStates) {
     EXPECT_EQ(b, big);
     SmallArray<int, 2> c = std::move(b);
     EXPECT_EQ(c, big);
-    EXPECT_EQ(b.size(), 0);
+    EXPECT_EQ(b.size(), 0);  // NOLINT(bugprone-use-after-move): a moved-from array is empty
     a = c;
     EXPECT_EQ(a, big);
     c = small;

@@ -27,7 +27,21 @@ TEST(KxParamBundleTextTest, RoundTripsExactly) {
 }
 
 TEST(KxParamBundleTextTest, MalformedTextIsRejectedAndLeavesBundleAlone) {
-    const char* cases[] = {
+    auto nested = [](int levels) {
+        std::string open, close;
+        for (int i = 0; i < levels; ++i) {
+            open += "\"a\" { ";
+            close += "} ";
+        }
+        return open + close;
+    };
+    KxParamBundle deepest;
+    std::string deepError, text = nested(KxParamBundle::kMaxDepth - 1);
+    EXPECT_TRUE(deepest.fromText(text.data(), text.size(), deepError)) << deepError;
+    EXPECT_EQ(deepest.height(), KxParamBundle::kMaxDepth);
+    const std::string cases[] = {
+        nested(KxParamBundle::kMaxDepth),
+        nested(60000),
         "\"a\" int 1 x",
         "\"a\" int 2.5",
         "\"a\" int 99999999999",
@@ -40,12 +54,12 @@ TEST(KxParamBundleTextTest, MalformedTextIsRejectedAndLeavesBundleAlone) {
         "\"unterminated",
         "\"a\" { \"b\" int 1 } }",
     };
-    for (const char* text : cases) {
-        SCOPED_TRACE(text);
+    for (const std::string& text : cases) {
+        SCOPED_TRACE(text.substr(0, 40));
         KxParamBundle b;
         b.setInt("keep", 1);
         std::string error;
-        EXPECT_FALSE(b.fromText(text, std::strlen(text), error));
+        EXPECT_FALSE(b.fromText(text.data(), text.size(), error));
         EXPECT_FALSE(error.empty());
         int v = 0;
         EXPECT_TRUE(b.findInt("keep", v));

@@ -2,7 +2,10 @@
 
 #include <tcl.h>
 
+#include <new>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "korva/core/KxConsoleCommands.h"
 #include "korva/core/KxData.h"
@@ -17,6 +20,9 @@ namespace {
 class EchoData : public KxData {
 public:
     int parse(Tcl_Interp* interp, int argc, char** argv) override {
+        if (argc >= 3 && std::string(argv[1]) == "throw") {
+            throwNamed(argv[2]);
+        }
         if (argc >= 2 && std::string(argv[1]) == "echo") {
             std::string reply = getLabel();
             for (int i = 2; i < argc; ++i) {
@@ -26,6 +32,20 @@ public:
             return TCL_OK;
         }
         return KxData::parse(interp, argc, argv);
+    }
+
+private:
+    static void throwNamed(const std::string& what) {
+        if (what == "bad_alloc") {
+            throw std::bad_alloc();
+        }
+        if (what == "length_error") {
+            std::vector<char>().reserve(std::vector<char>().max_size() + 1);
+        }
+        if (what == "runtime_error") {
+            throw std::runtime_error("boom");
+        }
+        throw 42;
     }
 };
 
@@ -123,5 +143,34 @@ TEST_F(KxTclInterpreterTest, LoadOfUnknownFilesFailsWithTheErrorLine) {
     EXPECT_EQ(capture.lines(), std::vector<std::string>{
                                    "Error: cannot read file /no/such/file.swc: No such file or directory"});
     EXPECT_EQ(ok("catch {load} msg; set msg"), "USAGE: load FILE ?FILE ...?\n");
+    // Shared libraries and Tcl's own argument forms go to Tcl's load.
+    const char* tclCalls[] = {"load /no/such/libx.so", "load /no/such/libx.so.1 X",
+                              "load -global /no/libx.so", "load {} NoSuchStaticPackage"};
+    for (const char* script : tclCalls) {
+        SCOPED_TRACE(script);
+        std::string message = error(script);
+        EXPECT_EQ(message.find("Error: "), std::string::npos) << message;
+        EXPECT_NE(message.find("load"), std::string::npos) << message;
+    }
     EXPECT_EQ(error("save Nothing x y"), "Error: unknown file format \"Nothing\"");
+}
+
+TEST_F(KxTclInterpreterTest, ExceptionsBecomeErrorLinesAndTclErrors) {
+    pool_.add(new EchoData, "e");
+    struct Case {
+        const char* script;
+        const char* line;
+    };
+    const Case cases[] = {
+        {"e throw bad_alloc", "Error: out of memory"},
+        {"e throw length_error", "Error: out of memory (a size beyond what can be allocated)"},
+        {"e throw runtime_error", "Error: internal failure: boom"},
+        {"e throw int", "Error: internal failure"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.script);
+        KxMessageCapture capture;
+        EXPECT_EQ(error(c.script), c.line);
+        EXPECT_EQ(capture.lines(), std::vector<std::string>{c.line});
+    }
 }

@@ -124,9 +124,20 @@ TEST(KxShaderProgramTest, MissingResourceFileIsAnError) {
 TEST(KxGLCapabilitiesTest, HeadlessDriverHasShadersUnlessLegacyIsForced) {
     KxGLCapabilities::resetForTesting();
     EXPECT_TRUE(KxGLCapabilities::hasShadersAndBuffers());
-    setenv("KORVA_LEGACY_TUBES", "1", 1);
-    EXPECT_FALSE(KxGLCapabilities::hasShadersAndBuffers());
-    setenv("KORVA_LEGACY_TUBES", "0", 1);
-    EXPECT_TRUE(KxGLCapabilities::hasShadersAndBuffers());
+    struct Case {
+        const char* value;
+        bool forced;
+        int warnings;
+    } cases[] = {
+        {"1", true, 0},  {"yes", true, 0}, {"TRUE", true, 0},   {"On", true, 0},   {"", false, 0},
+        {"0", false, 0}, {"no", false, 0}, {"False", false, 0}, {"OFF", false, 0}, {"maybe", false, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.value);
+        setenv("KORVA_LEGACY_TUBES", c.value, 1);
+        KxMessageCapture capture;
+        EXPECT_EQ(KxGLCapabilities::hasShadersAndBuffers(), !c.forced);
+        EXPECT_EQ(static_cast<int>(capture.lines().size()), c.warnings) << capture.text();
+    }
     unsetenv("KORVA_LEGACY_TUBES");
 }

@@ -112,6 +112,8 @@ TEST(KorvaMeshTest, WritesTheDocumentedLayout) {
     size_t first = (header.size() + 7) / 8 * 8;
     ASSERT_EQ(binary.size(), first + 24 + 8);
     EXPECT_EQ(binary.substr(header.size(), first - header.size()), std::string(first - header.size(), '\0'));
+    // The file's bytes are the point here, floats included.
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
     EXPECT_EQ(std::memcmp(binary.data() + first, xyz, 24), 0);
     EXPECT_EQ(std::memcmp(binary.data() + first + 24, ids, 8), 0);
 }
@@ -227,8 +229,8 @@ TEST(KorvaMeshTest, ProbesTheContentTypeFromTheFileStart) {
     EXPECT_EQ(type, "KxSpatialGraph");
 
     const char* without[] = {
-        "KorvaMesh 1 ascii\nparameters {\n\"Note\" string \"ContentType\"\n\"Sub\" {\n\"ContentType\" string "
-        "\"X\"\n}\n}\nend\n",
+        ("KorvaMesh 1 ascii\nparameters {\n\"Note\" string \"ContentType\"\n\"Sub\" {\n\"ContentType\" "
+         "string \"X\"\n}\n}\nend\n"),
         "KorvaMesh 1 ascii\nlocation \"L\" 1\nend\n",
         "PLY ContentType",
     };

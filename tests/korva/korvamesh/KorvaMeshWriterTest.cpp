@@ -27,25 +27,20 @@ bool startsWithError(const KxMessageCapture& capture, const std::string& start) 
     return capture.lines().size() == 1 && capture.lines()[0].compare(0, start.size(), start) == 0;
 }
 
-// While alive, a file may not grow beyond limit bytes: writes past it fail
-// with EFBIG, as on a full disk.
+// While alive, a file may not grow beyond limit bytes: writing past it
+// raises SIGXFSZ, which ends the process unless the writer handles it.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t limit) {
         getrlimit(RLIMIT_FSIZE, &old_);
-        oldHandler_ = signal(SIGXFSZ, SIG_IGN);
         rlimit l = old_;
         l.rlim_cur = limit;
         setrlimit(RLIMIT_FSIZE, &l);
     }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &old_);
-        signal(SIGXFSZ, oldHandler_);
-    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &old_); }
 
 private:
     rlimit old_;
-    sighandler_t oldHandler_;
 };
 
 TEST(KorvaMeshWriterTest, FailedWriteLeavesTheOldFileAndNoTemporary) {
@@ -104,17 +99,25 @@ TEST(KorvaMeshWriterTest, ReportsWhatCannotBeWritten) {
     EXPECT_EQ(filesIn(dir.path()), 2);
 }
 
-TEST(KorvaMeshWriterTest, ReplacingAFileKeepsItsPermissions) {
-    TempDir dir;
-    std::string path = dir.path("mode.kxm");
-    writeFileBytes(path, "old");
-    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
-    KorvaMeshSample sample;
-    ASSERT_EQ(sample.mesh.write(path.c_str(), 0), 1);
-    struct stat st;
-    ASSERT_EQ(stat(path.c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 0777, 0640u);
-    EXPECT_EQ(filesIn(dir.path()), 1);
+TEST(KorvaMeshWriterTest, ReplacingAFileKeepsItsPermissionsAndRefusesReadOnlyFiles) {
+    const mode_t modes[] = {0640, 0600, 0444, 0400};
+    for (mode_t mode : modes) {
+        SCOPED_TRACE(mode);
+        TempDir dir;
+        std::string path = dir.path("mode.kxm");
+        writeFileBytes(path, "old");
+        ASSERT_EQ(chmod(path.c_str(), mode), 0);
+        KorvaMeshSample sample;
+        KxMessageCapture capture;
+        bool readOnly = (mode & 0200) == 0;
+        EXPECT_EQ(sample.mesh.write(path.c_str(), 0), readOnly ? 0 : 1);
+        EXPECT_EQ(capture.numErrors(), readOnly ? 1 : 0) << capture.text();
+        EXPECT_EQ(readFileBytes(path) == "old", readOnly);
+        struct stat st;
+        ASSERT_EQ(stat(path.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 0777, mode);
+        EXPECT_EQ(filesIn(dir.path()), 1);
+    }
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "kxspatialgraph/formats/KorvaMeshFormatEntries.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -50,9 +52,13 @@ TEST_F(KorvaMeshFormatEntriesTest, RegistryReadsAndWritesGraphFiles) {
     for (const char* format : {"KorvaMesh", "KorvaMeshASCII", "KorvaMeshCompressed"}) {
         SCOPED_TRACE(format);
         std::string path = dir_.path(std::string(format) + ".kxm");
+        writeFileBytes(path, "old");
+        ASSERT_EQ(chmod(path.c_str(), 0640), 0);
         ASSERT_TRUE(theFileFormats->save(*theFileFormats->find(format), loaded, path.c_str()));
-        // The host saved through a temporary name; the load command is still the loaded file.
-        EXPECT_STREQ(loaded->getLoadCmd(), renamed.c_str());
+        struct stat st;
+        ASSERT_EQ(stat(path.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 0777, 0640u) << "the old file's permissions stay";
+        EXPECT_STREQ(loaded->getLoadCmd(), path.c_str());
         KxSpatialGraph* again = load(path);
         ASSERT_TRUE(again);
         EXPECT_EQ(describeDifference(*g, *again, options), "");

@@ -102,8 +102,9 @@ TEST(SkeletonGraphKorvaMeshTest, ImportsEveryRunOnce) {
          {{0, 1, 2}, {0, 3}, {0, 4}, {2, 3}, {2, 5}, {3, 6}}},
         // A loop from 0 back to 0 through 1, 2, 3, and an arm to 4.
         {"loop", {{1, 3, 4}, {0, 2}, {1, 3}, {2, 0}, {0}}, 2, {{0, 1, 2, 3, 0}, {0, 4}}},
-        // A closed ring of two-neighbour points has no vertex: nothing to import.
-        {"ring", {{1, 2}, {0, 2}, {1, 0}}, 0, {}},
+        // A closed ring of two-neighbour points becomes a loop on its first point.
+        {"ring", {{1, 2}, {0, 2}, {1, 0}}, 1, {{0, 1, 2, 0}}},
+        {"ring beside a line", {{1}, {0}, {3, 4}, {2, 4}, {3, 2}}, 3, {{0, 1}, {2, 3, 4, 2}}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -183,6 +184,7 @@ TEST(SkeletonGraphKorvaMeshTest, RefusesBrokenNeighbourData) {
         {"negative index", {{-1}}, "neighbour index out of range (point 0)"},
         // 1 and 2 point at each other only: the walk from 0 would never end.
         {"lists disagree", {{1}, {2, 2}, {1, 1}}, "does not end"},
+        {"ring lists disagree", {{1, 1}, {2, 2}, {1, 1}}, "does not close"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);

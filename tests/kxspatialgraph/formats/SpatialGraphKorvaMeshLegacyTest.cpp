@@ -201,6 +201,12 @@ TEST(SpatialGraphKorvaMeshLegacyTest, RefusesIncompleteOrLyingLayouts) {
          "Error: old.kxm: edge 1 has 3 points"},
         {"vertex out of range", [](LegacyMesh& m) { m.ends[3] = 3; },
          "Error: old.kxm: edge 1 refers to vertex 3, but there are 3 vertices."},
+        {"graph array short",
+         [](LegacyMesh& m) {
+             m.mesh.createData("GraphIntData", m.mesh.createLocation("Graph", 4), PrimType::INT32, 1,
+                               m.graphInts);
+         },
+         "Error: old.kxm: \"GraphIntData\" holds 4 values, fewer than the 5 vertices and edges."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -220,10 +226,11 @@ TEST(SpatialGraphKorvaMeshLegacyTest, RefusesIncompleteOrLyingLayouts) {
     mesh.createData("EdgeConnectivity", mesh.createLocation("Edges", 1), PrimType::INT32, 2, ends);
     KxMessageCapture capture;
     EXPECT_FALSE(readKorvaMeshToSpatialGraph(mesh, "old.kxm"));
-    EXPECT_EQ(capture.lines(), (std::vector<std::string>{
-                                   "Reading legacy spatialGraph",
-                                   "KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, "
-                                   "edge connectivity, edge points in old.kxm."}));
+    EXPECT_EQ(capture.lines(),
+              (std::vector<std::string>{
+                  "Reading legacy spatialGraph",
+                  "Error: KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, "
+                  "edge connectivity, edge points in old.kxm."}));
 }
 
 }  // namespace

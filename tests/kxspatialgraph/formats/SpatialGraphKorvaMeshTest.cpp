@@ -225,23 +225,33 @@ TEST(SpatialGraphKorvaMeshTest, RefusesMeshesWithoutTheRequiredArrays) {
         KxMessageCapture capture;
         EXPECT_EQ(readKorvaMesh(mesh, "x.kxm"), 0);
         ASSERT_EQ(capture.lines().size(), 1u);
-        EXPECT_EQ(
-            capture.lines()[0],
-            "KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge connectivity, edge "
-            "points in x.kxm.");
+        EXPECT_EQ(capture.lines()[0],
+                  "Error: KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge "
+                  "connectivity, "
+                  "edge points in x.kxm.");
         EXPECT_EQ(theObjectPool->size(), poolSize);
     }
 }
 
-TEST(SpatialGraphKorvaMeshTest, RefusesPointCountsPastTheStoredPoints) {
-    for (int count : {4, -1}) {
-        SCOPED_TRACE(count);
+TEST(SpatialGraphKorvaMeshTest, RefusesPointCountsAndEdgeEndsPastTheStoredData) {
+    struct Case {
+        int count, target;
+        const char* problem;
+    } cases[] = {
+        {4, 1, "lying.kxm: edge 0 has"},
+        {-1, 1, "lying.kxm: edge 0 has"},
+        {3, 2, "lying.kxm: edge 0 refers to vertex 2, but there are 2 vertices."},
+        {3, -1, "lying.kxm: edge 0 refers to vertex -1"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.problem);
         CurrentMesh m;
-        m.counts[0] = count;
+        m.counts[0] = c.count;
+        m.ends[1] = c.target;
         KxMessageCapture capture;
         EXPECT_FALSE(readKorvaMeshToSpatialGraph(m.mesh, "lying.kxm"));
         ASSERT_EQ(capture.numErrors(), 1) << capture.text();
-        EXPECT_NE(capture.lines()[0].find("lying.kxm: edge 0 has"), std::string::npos) << capture.text();
+        EXPECT_NE(capture.lines()[0].find(c.problem), std::string::npos) << capture.text();
     }
 }
 

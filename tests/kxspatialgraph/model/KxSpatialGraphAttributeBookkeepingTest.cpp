@@ -389,7 +389,7 @@ DArray<int> randomSubset(std::mt19937& rng, int count) {
 
 TypedElement rowElement(const TypedData2D& rows, int k) {
     TypedElement element(rows.getPrimType(), rows.getNumComponents());
-    std::memcpy(element.getData(), rows.getRow(k), static_cast<size_t>(rows.getRowBytes()));
+    std::memcpy(element.getData(), rows.getRow(k), rows.getRowBytes());
     return element;
 }
 

@@ -139,6 +139,8 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
     KxSpatialGraph* g = add(makeChain(2), "g");
     ok("g addAttribute Dir EDGE int 2");
     ok("g addLabelGroup Kind VERTEX");
+    // Labels 1..98 each under the one before: the deepest a label may nest.
+    ok("for {set i 0} {$i < 98} {incr i} {g addLabel Kind $i L$i 1 1 1}");
     GraphSnapshot before = takeSnapshot(*g);
     fired_.clear();
 
@@ -153,14 +155,17 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
         {"g addEdge 0 1 5 5", "USAGE: addEdge source target ?x y z ...?"},
         {"g addAttribute A CORNER int", "USAGE: addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?"},
         {"g addAttribute A VERTEX double", "USAGE: addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?"},
-        {"g addAttribute A VERTEX int 0", "Error: nDataVar must be a positive number, not \"0\"."},
+        {"g addAttribute A VERTEX int 0", "Error: nDataVar must be a number from 1 to 65536, not \"0\"."},
+        {"g addAttribute A VERTEX int 600000000",
+         "Error: nDataVar must be a number from 1 to 65536, not \"600000000\"."},
         {"g setValue EDGE Missing 0 1", "Error: EDGE attribute Missing not found."},
         {"g setValue EDGE Dir 1 1 2", "Error: Edge 1 out of range (1)."},
         {"g setValue EDGE Dir 0 1", "Error: attribute Dir takes 2 values per element."},
         {"g setValue EDGE Dir 0 1 x", "Error: expected integer but got \"x\""},
         {"g addLabelGroup Kind", "USAGE: addLabelGroup name VERTEX|EDGE|POINT..."},
         {"g addLabel Nope 0 A 1 1 1", "Error: label group Nope not found."},
-        {"g addLabel Kind 9 A 1 1 1", "Error: label group Kind has no label with id 9."},
+        {"g addLabel Kind 99 A 1 1 1", "Error: label group Kind has no label with id 99."},
+        {"g addLabel Kind 98 A 1 1 1", "Error: labels nest at most 100 levels deep."},
         {"g getBoundingBox sideways", "USAGE: getBoundingBox ?transformed?"},
         {"g totalLength now", "USAGE: totalLength"},
     };

@@ -44,6 +44,15 @@ std::vector<BrokenGraphCase> brokenGraphCases() {
         {"incidence list item",
          [](KxSpatialGraph& g) { KxSpatialGraphTestAccess::incidence(g)[1][1] = 0; },
          {"Error: Inconsistent incidence list item for vertex 1: is: 0. should be: 1"}},
+        {"incidence list naming an edge that does not exist",
+         [](KxSpatialGraph& g) { KxSpatialGraphTestAccess::incidence(g)[1][1] = 9; },
+         {"Error: Inconsistent incidence list item for vertex 1: is: 9. should be: 1"}},
+        {"self-loop listed once, its neighbour twice",
+         [](KxSpatialGraph& g) {
+             g.addEdge(2, 2);
+             KxSpatialGraphTestAccess::incidence(g)[2][2] = 1;
+         },
+         {"Error: Inconsistent incidence list item for vertex 2: is: 1. should be: 2"}},
         {"edge with one point, other edges still checked",
          [](KxSpatialGraph& g) {
              g.setEdgePoints(0, DArray<Vec3f>{g.getVertexCoords(0)});

@@ -3,6 +3,7 @@
 // first exec left it, and the graph must stay consistent throughout.
 // KORVA_MODEL_SEEDS=N runs N seeds instead of the fixed few.
 
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -17,15 +18,23 @@
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/operations/AddTracedEdgeOperationSet.h"
+#include "kxspatialgraph/operations/AddVertexAndConnectOperationSet.h"
 #include "kxspatialgraph/operations/AddVertexOperation.h"
 #include "kxspatialgraph/operations/ConnectOperation.h"
+#include "kxspatialgraph/operations/ConnectPointToPointOperationSet.h"
+#include "kxspatialgraph/operations/ConnectPointToVertexOperationSet.h"
+#include "kxspatialgraph/operations/ConnectSelectionOperationSet.h"
 #include "kxspatialgraph/operations/DeleteOperation.h"
+#include "kxspatialgraph/operations/FindAndConvertVerticesToPointsOperationSet.h"
 #include "kxspatialgraph/operations/FindAndDeleteIsolatedVertices.h"
 #include "kxspatialgraph/operations/InsertEdgePointsOperation.h"
 #include "kxspatialgraph/operations/MoveOperation.h"
+#include "kxspatialgraph/operations/MoveVertexOperationSet.h"
 #include "kxspatialgraph/operations/PointToVertexOperation.h"
 #include "kxspatialgraph/operations/ReplaceOperation.h"
 #include "kxspatialgraph/operations/SmoothOperation.h"
+#include "kxspatialgraph/operations/SplitEdgeWithNewVertexAndConnectOperationSet.h"
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
@@ -63,7 +72,7 @@ void fillRandomValues(KxSpatialGraph& g, Rng& rng) {
         for (int k = 0; k < g.numAttributes(location); ++k) {
             GraphAttribute* a = g.attribute(location, k);
             auto* bytes = static_cast<unsigned char*>(a->dataPtr());
-            for (int i = 0; i < a->size() * a->getElementSize(); ++i) {
+            for (size_t i = 0; i < a->size() * a->getElementSize(); ++i) {
                 bytes[i] = static_cast<unsigned char>(pick(rng, 256));
             }
         }
@@ -228,6 +237,156 @@ const std::vector<OperationMaker>& operationMakers() {
              SpatialGraphSelection highlighted(&g);
              highlighted.selectPoint(at);
              return std::make_unique<PointToVertexOperation>(&g, highlighted, randomSelection(g, rng, 0.5));
+         }},
+        // Composite operations (those that others run as sub-operations are
+        // covered through them). Traced polylines run from the new edge's
+        // source (the lower vertex index) to its target, so the graph stays
+        // consistent.
+        {"ConnectSelectionOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             return std::make_unique<ConnectSelectionOperationSet>(&g, randomSelection(g, rng, 0.3),
+                                                                   randomSelection(g, rng, 0.5));
+         }},
+        {"FindAndConvertVerticesToPointsOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             return std::make_unique<FindAndConvertVerticesToPointsOperationSet>(
+                 &g, randomSelection(g, rng, chance(rng, 0.3) ? 0.0 : 0.4), randomSelection(g, rng, 0.5));
+         }},
+        {"AddTracedEdgeOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             SpatialGraphSelection ends(&g);
+             Vec3f start = randomPoint(rng);
+             Vec3f from, to;
+             int n = g.getNumVertices();
+             if (n < 2) {
+                 return nullptr;
+             }
+             int a = pick(rng, n), b = pick(rng, n);
+             SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
+             SpatialGraphPoint q = randomInteriorPoint(g, rng, 3, 1);
+             switch (pick(rng, 3)) {
+                 case 0:  // two vertices
+                     if (a == b) {
+                         return nullptr;
+                     }
+                     ends.selectVertex(a);
+                     ends.selectVertex(b);
+                     from = g.getVertexCoords(std::min(a, b));
+                     to = g.getVertexCoords(std::max(a, b));
+                     break;
+                 case 1:  // a point made a vertex and a new one at the start position
+                     if (p.edgeNum < 0) {
+                         return nullptr;
+                     }
+                     ends.selectPoint(p);
+                     from = g.getEdgePoint(p.edgeNum, p.pointNum);
+                     to = start;
+                     break;
+                 default:  // two points on different edges
+                     if (p.edgeNum < 0 || q.edgeNum < 0 || p.edgeNum == q.edgeNum) {
+                         return nullptr;
+                     }
+                     ends.selectPoint(p);
+                     ends.selectPoint(q);
+                     from = g.getEdgePoint(p.edgeNum, p.pointNum);
+                     to = g.getEdgePoint(q.edgeNum, q.pointNum);
+             }
+             DArray<Vec3f> points = randomPolyline(rng, from, to, 2 + pick(rng, 4));
+             DArray<float> radii(pick(rng, points.size() + 2), 0.5f);
+             return std::make_unique<AddTracedEdgeOperationSet>(&g, start, points, radii, ends,
+                                                                randomSelection(g, rng, 0.5));
+         }},
+        {"AddVertexAndConnectOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             if (g.getNumVertices() == 0) {
+                 return nullptr;
+             }
+             SpatialGraphSelection from(&g);
+             Vec3f position = randomPoint(rng);
+             DArray<Vec3f> points;
+             SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
+             if (chance(rng, 0.5) || p.edgeNum < 0) {
+                 int v = pick(rng, g.getNumVertices());
+                 from.selectVertex(v);
+                 points = randomPolyline(rng, g.getVertexCoords(v), position, 2 + pick(rng, 4));
+             } else {
+                 // The new vertex is added before the point becomes one, so it is the source.
+                 from.selectPoint(p);
+                 points =
+                     randomPolyline(rng, position, g.getEdgePoint(p.edgeNum, p.pointNum), 2 + pick(rng, 4));
+             }
+             DArray<float> radii(points.size(), 1.5f);
+             return std::make_unique<AddVertexAndConnectOperationSet>(&g, position, &points, &radii, from,
+                                                                      randomSelection(g, rng, 0.5));
+         }},
+        {"SplitEdgeWithNewVertexAndConnectOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             SpatialGraphPoint at = randomInteriorPoint(g, rng, 2, 0);
+             if (at.edgeNum < 0) {
+                 return nullptr;
+             }
+             Vec3f position = randomPoint(rng);
+             SpatialGraphSelection from(&g);
+             int v = pick(rng, g.getNumVertices());
+             from.selectVertex(v);
+             DArray<Vec3f> points = randomPolyline(rng, g.getVertexCoords(v), position, 2 + pick(rng, 4));
+             return std::make_unique<SplitEdgeWithNewVertexAndConnectOperationSet>(
+                 &g, position, at.edgeNum, at.pointNum, &points, nullptr, from, randomSelection(g, rng, 0.5));
+         }},
+        {"MoveVertexOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             // The vertex's edges get new polylines that end at its new position.
+             if (g.getNumVertices() == 0) {
+                 return nullptr;
+             }
+             int v = pick(rng, g.getNumVertices());
+             Vec3f position = randomPoint(rng);
+             SmallArray<int, 2> edges;
+             DArray<DArray<Vec3f>> polylines;
+             const KxSpatialGraph::IncidenceList& incident = g.getIncidentEdges(v);
+             for (int i = 0; i < incident.size(); ++i) {
+                 int e = incident[i];
+                 if (std::find(incident.begin(), incident.begin() + i, e) != incident.begin() + i) {
+                     continue;  // a self-loop is listed twice
+                 }
+                 int s = g.getEdgeSource(e), t = g.getEdgeTarget(e);
+                 edges.append(e);
+                 polylines.append(randomPolyline(rng, s == v ? position : g.getVertexCoords(s),
+                                                 t == v ? position : g.getVertexCoords(t), 2 + pick(rng, 4)));
+             }
+             return std::make_unique<MoveVertexOperationSet>(&g, v, position, edges, polylines,
+                                                             randomSelection(g, rng, 0.3),
+                                                             randomSelection(g, rng, 0.5));
+         }},
+        {"ConnectPointToVertexOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
+             if (p.edgeNum < 0) {
+                 return nullptr;
+             }
+             SpatialGraphSelection ends(&g);
+             ends.selectVertex(pick(rng, g.getNumVertices()));
+             ends.selectPoint(p);
+             auto op =
+                 std::make_unique<ConnectPointToVertexOperationSet>(&g, ends, randomSelection(g, rng, 0.5));
+             op->setRemoveIntermediateVertices(chance(rng, 0.5));
+             return op;
+         }},
+        {"ConnectPointToPointOperationSet",
+         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
+             SpatialGraphPoint p = randomInteriorPoint(g, rng, 3, 1);
+             SpatialGraphPoint q = randomInteriorPoint(g, rng, 3, 1);
+             if (p.edgeNum < 0 || q.edgeNum < 0 || p.edgeNum == q.edgeNum) {
+                 return nullptr;
+             }
+             DArray<Vec3f> points = randomPolyline(rng, g.getEdgePoint(p.edgeNum, p.pointNum),
+                                                   g.getEdgePoint(q.edgeNum, q.pointNum), 2 + pick(rng, 4));
+             // The second point is named as the first conversion leaves the graph.
+             SpatialGraphPoint second(q.edgeNum > p.edgeNum ? q.edgeNum - 1 : q.edgeNum, q.pointNum);
+             SpatialGraphSelection first(&g);
+             first.selectPoint(p);
+             return std::make_unique<ConnectPointToPointOperationSet>(&g, &second, &points, nullptr, first,
+                                                                      randomSelection(g, rng, 0.5));
          }},
     };
     return makers;

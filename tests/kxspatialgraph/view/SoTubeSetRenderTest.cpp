@@ -1,13 +1,19 @@
+#include <GL/glew.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
 
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/nodes/SoCallback.h>
 #include <Inventor/nodes/SoSeparator.h>
 
 #include "korva/data/KxColormap.h"
 #include "korva/viewer/KxOffscreenRenderer.h"
 #include "kxspatialgraph/view/SoTubeSet.h"
 #include "support/RenderFixtures.h"
+#include "support/SoTubeSetTestAccess.h"
 
 // Pixel tests of the GPU tubes in the 100 × 100 orthographic view of
 // makePixelScene (x, y in [-5, 5], one pixel per 0.1 units). Tube radius is
@@ -156,14 +162,64 @@ TEST(SoTubeSetRenderTest, OneRecordPerContextAndDestroyedContextsForgotten) {
     auto second = std::make_unique<KxOffscreenRenderer>(40, 40);
     ASSERT_TRUE(first->render(scene.root));
     ASSERT_TRUE(second->render(scene.root));
-    EXPECT_EQ(scene.tubes->getNumContextGroups(), 2);
-    EXPECT_TRUE(scene.tubes->hasContextGroup(static_cast<int>(first->getCacheContextId())));
+    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 2);
+    int firstId = static_cast<int>(first->getCacheContextId());
     int secondId = static_cast<int>(second->getCacheContextId());
-    EXPECT_TRUE(scene.tubes->hasContextGroup(secondId));
+    EXPECT_NE(SoTubeSetTestAccess::contextGroup(*scene.tubes, firstId), nullptr);
+    EXPECT_NE(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId), nullptr);
     second.reset();
-    EXPECT_EQ(scene.tubes->getNumContextGroups(), 1);
-    EXPECT_FALSE(scene.tubes->hasContextGroup(secondId));
+    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 1);
+    EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId), nullptr);
     // Rendering again in the surviving context uploads nothing new and still draws.
     ASSERT_TRUE(first->render(scene.root));
-    EXPECT_EQ(scene.tubes->getNumContextGroups(), 1);
+    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 1);
+}
+
+// Every GL name a context's record creates is gone after the context's
+// destruction callback: checked from a callback node drawn after the tubes,
+// while their context is still current.
+TEST(SoTubeSetRenderTest, DestroyedContextFreesEveryNameItCreated) {
+    TubeScene scene;
+    scene.colourByPoints();  // per-point colours and radii use every buffer
+    const float radii[] = {1.0f, 2.0f, 1.0f};
+    scene.tubes->setLineRadii(0, radii);
+    scene.tubes->setConstantRadius(false);
+    scene.tubes->touch();
+    struct Check {
+        SoTubeSet* tubes;
+        int namesBefore = 0, namesAfter = 0, expected = 0;
+    } check{scene.tubes};
+    auto* callback = new SoCallback;
+    callback->setCallback(
+        [](void* data, SoAction* action) {
+            auto* c = static_cast<Check*>(data);
+            if (!action->isOfType(SoGLRenderAction::getClassTypeId())) {
+                return;
+            }
+            int id = static_cast<int>(SoGLCacheContextElement::get(action->getState()));
+            SoTubeSetTestAccess::ContextGroup* group = SoTubeSetTestAccess::contextGroup(*c->tubes, id);
+            if (!group) {
+                return;
+            }
+            const auto buffers = group->buffers;
+            const GLuint texture = group->colormapTexture;
+            auto countNames = [&] {
+                int n = glIsTexture(texture) ? 1 : 0;
+                for (GLuint b : buffers) {
+                    n += glIsBuffer(b) ? 1 : 0;
+                }
+                return n;
+            };
+            c->expected = static_cast<int>(buffers.size()) + 1;
+            c->namesBefore = countNames();
+            SoTubeSetTestAccess::destroyContext(*c->tubes, id);
+            c->namesAfter = countNames();
+        },
+        &check);
+    scene.root->addChild(callback);
+    KxOffscreenRenderer renderer(40, 40);
+    ASSERT_TRUE(renderer.render(scene.root));
+    EXPECT_EQ(check.namesBefore, check.expected);
+    EXPECT_EQ(check.namesAfter, 0);
+    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 0);
 }

@@ -7,6 +7,7 @@
 
 #include "korva/data/KxColormap.h"
 #include "kxspatialgraph/view/SoTubeSet.h"
+#include "support/SoTubeSetTestAccess.h"
 
 namespace {
 
@@ -17,14 +18,6 @@ SoTubeSet* makeTubeSet() {
     return tubes;
 }
 
-void expectUnitFrame(const Vec3f& tangent, const Vec3f& normal, const Vec3f& binormal) {
-    EXPECT_NEAR(normal.length(), 1.0f, 1e-5f);
-    EXPECT_NEAR(binormal.length(), 1.0f, 1e-5f);
-    EXPECT_NEAR(normal.dot(tangent), 0.0f, 1e-5f);
-    EXPECT_NEAR(binormal.dot(tangent), 0.0f, 1e-5f);
-    EXPECT_NEAR(binormal.dot(normal), 0.0f, 1e-5f);
-}
-
 // Blue at the first entry, red at the last.
 KxColormap blueToRed() {
     const float rgba[] = {0, 0, 1, 1, 1, 0, 0, 1};
@@ -33,47 +26,19 @@ KxColormap blueToRed() {
 
 }  // namespace
 
-TEST(SoTubeSetTest, FramesAreOrthonormalAlongBendsAndDegenerateSteps) {
-    // A bent line with a repeated point: p1 == p2.
-    const Vec3f points[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(1, 0, 0), Vec3f(1, 1, 0), Vec3f(1, 1, 1)};
-    std::vector<Vec3f> normals, binormals;
-    SoTubeSet::getOrtho(points, 5, false, normals, binormals);
-    ASSERT_EQ(normals.size(), 5u);
-    // At the end points the tangent is the first and last segment.
-    expectUnitFrame(Vec3f(1, 0, 0), normals[0], binormals[0]);
-    expectUnitFrame(Vec3f(0, 0, 1), normals[4], binormals[4]);
-
-    // Straight along z: the first normal is (1, 0, 0).
-    const Vec3f alongZ[] = {Vec3f(0, 0, 0), Vec3f(0, 0, 2)};
-    SoTubeSet::getOrtho(alongZ, 2, false, normals, binormals);
-    EXPECT_EQ(normals[0], Vec3f(1, 0, 0));
-    EXPECT_EQ(normals[1], Vec3f(1, 0, 0));
-    expectUnitFrame(Vec3f(0, 0, 1), normals[1], binormals[1]);
-
-    // One point: no tangent, normal (0, 0, 1).
-    SoTubeSet::getOrtho(alongZ, 1, false, normals, binormals);
-    ASSERT_EQ(normals.size(), 1u);
-    EXPECT_EQ(normals[0], Vec3f(0, 0, 1));
-
-    // General direction: normal from the tangent's x, y and z.
-    const Vec3f diagonal[] = {Vec3f(0, 0, 0), Vec3f(1, 2, 2)};
-    SoTubeSet::getOrtho(diagonal, 2, false, normals, binormals);
-    expectUnitFrame(Vec3f(1, 2, 2) / 3.0f, normals[0], binormals[0]);
-}
-
 TEST(SoTubeSetTest, ProfileAndComplexity) {
     SoTubeSet* tubes = makeTubeSet();
     tubes->setTubeComplexity(2);
     EXPECT_EQ(tubes->getTubeComplexity(), 12);
-    const std::vector<Vec3f>& profile = tubes->getExtrusionProfile();
+    const std::vector<Vec3f>& profile = SoTubeSetTestAccess::profile(*tubes);
     ASSERT_EQ(profile.size(), 12u);
     EXPECT_NEAR(profile[3].x, 0.0f, 1e-6f);
     EXPECT_NEAR(profile[3].y, 1.0f, 1e-6f);
     EXPECT_EQ(profile[3].z, 1.0f);
     // Odd counts overshoot: 5 sides step by a quarter turn, the last back at the start.
     tubes->setTubeComplexity(5);
-    EXPECT_NEAR(tubes->getExtrusionProfile()[4].x, 1.0f, 1e-6f);
-    EXPECT_NEAR(tubes->getExtrusionProfile()[4].y, 0.0f, 1e-6f);
+    EXPECT_NEAR(SoTubeSetTestAccess::profile(*tubes)[4].x, 1.0f, 1e-6f);
+    EXPECT_NEAR(SoTubeSetTestAccess::profile(*tubes)[4].y, 0.0f, 1e-6f);
     tubes->unref();
 }
 
@@ -85,20 +50,20 @@ TEST(SoTubeSetTest, TubeStripRunsBandByBandAlternatingDirection) {
     tubes->setNumLines(2);
     tubes->setLine(0, 0, empty);
     tubes->setLine(1, 3, line);
-    tubes->generateTubeGeometry();
-    ASSERT_EQ(tubes->getTubeVertices().size(), 12u);
-    EXPECT_EQ(tubes->getIndexCount(0), 0u);
-    EXPECT_EQ(tubes->getFirstIndex(1), 0u);
-    ASSERT_EQ(tubes->getIndexCount(1), 24u);
+    SoTubeSetTestAccess::generateTubeGeometry(*tubes);
+    ASSERT_EQ(SoTubeSetTestAccess::tubeVertices(*tubes).size(), 12u);
+    EXPECT_EQ(SoTubeSetTestAccess::indexCount(*tubes, 0), 0u);
+    EXPECT_EQ(SoTubeSetTestAccess::firstIndex(*tubes, 1), 0u);
+    ASSERT_EQ(SoTubeSetTestAccess::indexCount(*tubes, 1), 24u);
     const unsigned int expected[] = {0, 3, 1, 4,  2, 5,  5,  8, 4,  7, 3, 6,
                                      6, 9, 7, 10, 8, 11, 11, 2, 10, 1, 9, 0};
     for (int i = 0; i < 24; ++i) {
-        EXPECT_EQ(tubes->getTubeIndices()[i], expected[i]) << i;
+        EXPECT_EQ(SoTubeSetTestAccess::tubeIndices(*tubes)[i], expected[i]) << i;
     }
     // Vertex j·m + i lies on the unit ring around point i.
     for (int j = 0; j < 4; ++j) {
         for (int i = 0; i < 3; ++i) {
-            const Vec3f& v = tubes->getTubeVertices()[j * 3 + i];
+            const Vec3f& v = SoTubeSetTestAccess::tubeVertices(*tubes)[j * 3 + i];
             EXPECT_NEAR(v.distance(line[i]), 1.0f, 1e-5f);
             EXPECT_NEAR(v.x, line[i].x, 1e-5f);
         }
@@ -108,15 +73,16 @@ TEST(SoTubeSetTest, TubeStripRunsBandByBandAlternatingDirection) {
 
 TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
     SoTubeSet* tubes = makeTubeSet();
-    EXPECT_EQ(tubes->prepareContext(7), nullptr);  // no lines: nothing to draw, no record
-    EXPECT_EQ(tubes->getNumContextGroups(), 0);
+    // No lines: nothing to draw, no record.
+    EXPECT_EQ(SoTubeSetTestAccess::prepareContext(*tubes, 7), nullptr);
+    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*tubes), 0);
 
     const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0)};
     const float radii[] = {2.0f, 3.0f};
     tubes->setNumLines(1);
     tubes->setLine(0, 2, line);
     bool created = false;
-    SoTubeSet::GLContextGroup* first = tubes->prepareContext(7, &created);
+    SoTubeSetTestAccess::ContextGroup* first = SoTubeSetTestAccess::prepareContext(*tubes, 7, &created);
     ASSERT_NE(first, nullptr);
     EXPECT_TRUE(created);
     EXPECT_TRUE(first->geometryDirty && first->radiiDirty && first->colorsDirty && first->colormapDirty);
@@ -124,25 +90,25 @@ TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
     first->geometryDirty = first->radiiDirty = first->colorsDirty = first->colormapDirty = false;
 
     tubes->setLineRadii(0, radii);
-    SoTubeSet::GLContextGroup* second = tubes->prepareContext(8, &created);
+    SoTubeSetTestAccess::ContextGroup* second = SoTubeSetTestAccess::prepareContext(*tubes, 8, &created);
     EXPECT_TRUE(created);
-    EXPECT_EQ(tubes->getNumContextGroups(), 2);
+    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*tubes), 2);
     // The radii change reached the first context too, and nothing else did.
     EXPECT_TRUE(first->radiiDirty);
     EXPECT_FALSE(first->geometryDirty);
     EXPECT_FALSE(first->colorsDirty);
-    EXPECT_FLOAT_EQ(tubes->getCapRecord(0, 0)[3], 2.0f);
-    EXPECT_FLOAT_EQ(tubes->getCapRecord(0, 1)[3], 3.0f);
-    EXPECT_EQ(tubes->prepareContext(8, &created), second);
+    EXPECT_FLOAT_EQ(SoTubeSetTestAccess::capRecord(*tubes, 0, 0)[3], 2.0f);
+    EXPECT_FLOAT_EQ(SoTubeSetTestAccess::capRecord(*tubes, 0, 1)[3], 3.0f);
+    EXPECT_EQ(SoTubeSetTestAccess::prepareContext(*tubes, 8, &created), second);
     EXPECT_FALSE(created);
 
     tubes->setColormap(blueToRed());
     EXPECT_TRUE(first->colormapDirty);
 
-    tubes->forgetContext(7);
-    EXPECT_FALSE(tubes->hasContextGroup(7));
-    EXPECT_TRUE(tubes->hasContextGroup(8));
-    tubes->forgetContext(8);
+    SoTubeSetTestAccess::destroyContext(*tubes, 7);
+    EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*tubes, 7), nullptr);
+    EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*tubes, 8), second);
+    SoTubeSetTestAccess::destroyContext(*tubes, 8);
     tubes->unref();
 }
 
@@ -155,24 +121,24 @@ TEST(SoTubeSetTest, PerLineColoursFollowTheDataWindow) {
     tubes->setConstantColor(false);
     tubes->setColorPerLine(true);
     tubes->setColormapDataWindow(0.0f, 10.0f);
-    EXPECT_EQ(tubes->getLineColor(0), SbColor(0, 0, 1));  // below min: first entry
-    EXPECT_EQ(tubes->getLineColor(1), SbColor(0, 0, 1));
-    EXPECT_EQ(tubes->getLineColor(3), SbColor(1, 0, 0));
-    EXPECT_EQ(tubes->getLineColor(4), SbColor(1, 0, 0));  // above max: last entry
-    SbColor middle = tubes->getLineColor(2);
+    EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 0), SbColor(0, 0, 1));  // below min: first entry
+    EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 1), SbColor(0, 0, 1));
+    EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 3), SbColor(1, 0, 0));
+    EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 4), SbColor(1, 0, 0));  // above max: last entry
+    SbColor middle = SoTubeSetTestAccess::lineColor(*tubes, 2);
     EXPECT_NEAR(middle[0], 128.0f / 255.0f, 1e-5f);  // entry round(255 / 2) = 128
     tubes->setColormapDataWindow(5.0f, 5.0f);        // range 0: every value gives the first entry
     for (unsigned int line = 0; line < 5; ++line) {
-        EXPECT_EQ(tubes->getLineColor(line), SbColor(0, 0, 1)) << line;
+        EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, line), SbColor(0, 0, 1)) << line;
     }
     tubes->highlighted.set1Value(4, 1);
     tubes->setHighlightColor(SbColor(0, 1, 0));
-    EXPECT_EQ(tubes->getLineColor(4), SbColor(0, 1, 0));
+    EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 4), SbColor(0, 1, 0));
     tubes->setConstantColor(true);
     tubes->setUniformLineColor(SbColor(1, 1, 0));
-    EXPECT_EQ(tubes->getLineColor(1), SbColor(1, 1, 0));
+    EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 1), SbColor(1, 1, 0));
     // Deliberate: the fourth float of every colormap entry repeats red.
-    EXPECT_EQ(tubes->getColormapData()[4 * 255 + 3], 1.0f);
+    EXPECT_EQ(SoTubeSetTestAccess::colormap(*tubes)[4 * 255 + 3], 1.0f);
     tubes->unref();
 }
 

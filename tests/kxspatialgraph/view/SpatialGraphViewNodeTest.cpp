@@ -261,7 +261,7 @@ TEST(SpatialGraphViewNodeTest, TubeSetGetsEveryEdgeAndTheVisibleBits) {
     view.visible.selectEdge(1);
     view.highlighted.selectEdge(1);
     view.highlighted.selectEdge(2);
-    view.node.makeTubes2(&view.visible);
+    view.node.makeGpuTubes(&view.visible);
     view.node.makeHighlightedTubes(&view.highlighted, &view.visible);
     SoTubeSet* tubes = view.node.getTubeSet();
     ASSERT_EQ(tubes->getNumLines(), 4u);
@@ -284,8 +284,8 @@ TEST(SpatialGraphViewNodeTest, TubeSetGetsEveryEdgeAndTheVisibleBits) {
     view.node.setTubeColorAttribute(nullptr);
     EXPECT_TRUE(tubes->isConstantColor());
 
-    // The tube set stays when the tubes are removed, ready for the next makeTubes2.
-    view.node.removeTubes2();
+    // The tube set stays when the tubes are removed, ready for the next makeGpuTubes.
+    view.node.removeGpuTubes();
     EXPECT_EQ(static_cast<SoSeparator*>(view.node.getSpatialGraphNode()->getChild(7))->getNumChildren(), 0);
     EXPECT_EQ(view.node.getTubeSet(), tubes);
 }
@@ -294,22 +294,19 @@ TEST(SpatialGraphViewNodeTest, LegacyTubesRingTheVisibleEdges) {
     ChainView view;
     view.visible.selectEdge(0);
     view.visible.selectEdge(2);
-    view.node.makeTubes(&view.visible, nullptr, nullptr, 2.0f, false);
+    view.node.makeLegacyTubes(&view.visible, nullptr, nullptr, 2.0f, false);
     SoSeparator* legacy = view.node.getLegacyTubeSeparator();
     ASSERT_EQ(legacy->getNumChildren(), 6);
     auto* faces = static_cast<SoIndexedFaceSet*>(legacy->getChild(5));
     // Edge 0 has 2 points, edge 2 has 4: (1 + 3) ring gaps × 12 quads of 5 indices.
     EXPECT_EQ(faces->coordIndex.getNum(), (1 + 3) * 12 * 5);
     // Remaking replaces, never adds.
-    view.node.makeTubes(&view.visible, nullptr, nullptr, 2.0f, false);
+    view.node.makeLegacyTubes(&view.visible, nullptr, nullptr, 2.0f, false);
     EXPECT_EQ(legacy->getNumChildren(), 6);
-    view.node.removeTubes();
+    view.node.removeLegacyTubes();
     EXPECT_EQ(legacy->getNumChildren(), 1);
 
-    Vec3f *normals = nullptr, *binormals = nullptr;
-    view.node.getOrtho(1, false, &normals, &binormals);
-    EXPECT_NEAR(normals[1].dot(Vec3f(1, 0, 0)), 0.0f, 1e-6f);
-    EXPECT_NEAR(binormals[1].length(), 1.0f, 1e-6f);
-    delete[] normals;
-    delete[] binormals;
+    PolylineFrames frames = view.node.edgeFrames(1, false);
+    EXPECT_NEAR(frames.normals[1].dot(Vec3f(1, 0, 0)), 0.0f, 1e-6f);
+    EXPECT_NEAR(frames.binormals[1].length(), 1.0f, 1e-6f);
 }

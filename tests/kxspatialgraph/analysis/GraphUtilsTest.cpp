@@ -1,0 +1,284 @@
+#include "kxspatialgraph/analysis/GraphUtils.h"
+
+#include <cmath>
+#include <memory>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "QuadraticLineAnalysis.h"
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+
+namespace {
+
+using Lines = DArray<int>;
+using LineSets = DArray<DArray<int>>;
+
+std::string text(const Lines& lines) {
+    std::string s = "[";
+    for (int line : lines) {
+        s += std::to_string(line) + " ";
+    }
+    return s + "]";
+}
+
+std::string text(const LineSets& sets) {
+    std::string s;
+    for (const Lines& lines : sets) {
+        s += text(lines);
+    }
+    return s;
+}
+
+std::unique_ptr<KxSpatialGraph> makeGraph(const std::vector<Vec3f>& vertices,
+                                          const std::vector<std::pair<int, int>>& edges) {
+    auto g = std::make_unique<KxSpatialGraph>();
+    for (const Vec3f& v : vertices) {
+        g->addVertex(v);
+    }
+    for (auto [s, t] : edges) {
+        g->addEdge(s, t);
+    }
+    return g;
+}
+
+void setThickness(KxSpatialGraph& g, const std::vector<float>& perLine) {
+    auto* a = static_cast<PointAttribute*>(
+        g.addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        for (int p = 0; p < g.getNumEdgePoints(e); ++p) {
+            a->setFloatDataAtPoint(perLine[static_cast<size_t>(e)], e, p);
+        }
+    }
+}
+
+// Few places, so that ends coincide across vertices; -0 beside 0, now and
+// then a NaN vertex; self-loops and parallel lines on purpose.
+std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
+    auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    std::vector<Vec3f> places{Vec3f(0, 0, 0)};
+    for (int i = pick(7); i >= 0; --i) {
+        places.emplace_back(float(pick(3)), float(pick(3)), float(pick(2)));
+    }
+    std::vector<Vec3f> vertices;
+    for (int i = pick(12); i >= 0; --i) {
+        Vec3f c = places[static_cast<size_t>(pick(static_cast<int>(places.size())))];
+        vertices.push_back(pick(30) == 0 ? Vec3f(NAN, 0, 0)
+                                         : (c == Vec3f(0, 0, 0) && pick(2) ? Vec3f(-0.0f, 0, 0) : c));
+    }
+    std::vector<std::pair<int, int>> edges;
+    int numVertices = static_cast<int>(vertices.size());
+    for (int i = pick(30); i > 0; --i) {
+        int s = pick(numVertices), t = pick(numVertices);
+        if (pick(8) == 0) {
+            t = s;
+        } else if (!edges.empty() && pick(6) == 0) {
+            std::tie(t, s) = edges[static_cast<size_t>(pick(static_cast<int>(edges.size())))];
+        }
+        edges.emplace_back(s, t);
+    }
+    auto g = makeGraph(vertices, edges);
+    std::vector<float> thickness;
+    for (size_t e = 0; e < edges.size(); ++e) {
+        thickness.push_back(float(1 + pick(3)));
+    }
+    setThickness(*g, thickness);
+    if (pick(2)) {
+        auto* ranks = static_cast<EdgeVertexAttribute*>(
+            g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));
+        for (int e = 0; e < g->getNumEdges(); ++e) {
+            ranks->setIntDataAtIdx(e, pick(5));
+        }
+    }
+    return g;
+}
+
+void expectSameTrees(const KxSpatialGraph* g, const Lines& startLines) {
+    LineSets trees, expectedTrees;
+    Lines ranks, expectedRanks;
+    DArray<GraphUtils::LineLocation> locations, expectedLocations;
+    GraphUtils::identifyTrees(g, trees, ranks, locations, startLines);
+    QuadraticLineAnalysis::trees(g, expectedTrees, expectedRanks, expectedLocations, startLines);
+    EXPECT_TRUE(trees == expectedTrees) << text(trees) << " vs " << text(expectedTrees);
+    EXPECT_TRUE(ranks == expectedRanks) << text(ranks) << " vs " << text(expectedRanks);
+    for (int e = 0; e < g->getNumEdges(); ++e) {
+        EXPECT_EQ(locations[e].tree, expectedLocations[e].tree) << "line " << e;
+        EXPECT_EQ(locations[e].position, expectedLocations[e].position) << "line " << e;
+    }
+}
+
+void expectSameLoops(const KxSpatialGraph* g, const Lines& startLines) {
+    LineSets loops, expectedLoops;
+    Lines loopy, expectedLoopy;
+    GraphUtils::identifyLoops(g, loops, loopy, startLines);
+    QuadraticLineAnalysis::loops(g, expectedLoops, expectedLoopy, startLines);
+    EXPECT_TRUE(loops == expectedLoops) << text(loops) << " vs " << text(expectedLoops);
+    EXPECT_TRUE(loopy == expectedLoopy) << text(loopy) << " vs " << text(expectedLoopy);
+}
+
+}  // namespace
+
+TEST(GraphUtilsTest, GivesTheQuadraticProceduresResultsOnRandomGraphs) {
+    std::mt19937 rng(20261123);
+    KxMessageCapture console;
+    for (int round = 0; round < 600; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        auto g = randomGraph(rng);
+        int n = g->getNumEdges();
+        Lines startLines;
+        for (int e = 0; e < n; ++e) {
+            if (rng() % 3 == 0) {
+                startLines.append(e);
+            }
+        }
+        for (const Lines& start : {Lines(), startLines}) {
+            expectSameTrees(g.get(), start);
+            expectSameLoops(g.get(), start);
+        }
+        Lines generating;
+        GraphUtils::getLoopGeneratingLines(g.get(), generating);
+        Lines expectedGenerating = QuadraticLineAnalysis::loopGeneratingLines(g.get());
+        EXPECT_TRUE(generating == expectedGenerating)
+            << text(generating) << " vs " << text(expectedGenerating);
+        if (n == 0) {
+            continue;
+        }
+
+        int start = static_cast<int>(rng() % static_cast<unsigned>(n));
+        Lines treeLines, expectedLines;
+        LineSets levels, expectedLevels;
+        testing::internal::CaptureStdout();
+        GraphUtils::identifyTree(g.get(), start, treeLines, levels);
+        std::string printed = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(printed, QuadraticLineAnalysis::tree(g.get(), start, expectedLines, expectedLevels));
+        EXPECT_TRUE(treeLines == expectedLines) << text(treeLines) << " vs " << text(expectedLines);
+        EXPECT_TRUE(levels == expectedLevels) << text(levels) << " vs " << text(expectedLevels);
+
+        // One step of the walk from a partly finished state.
+        Lines pending(n), loopy, expectedLoopy;
+        for (int e = 0; e < n; ++e) {
+            pending[e] = rng() % 4 == 0 ? -1 : e;
+        }
+        Lines expectedPending = pending;
+        int prev = static_cast<int>(rng() % static_cast<unsigned>(n + 1)) - 1;
+        int result = GraphUtils::identifyLoopRecur(g.get(), loopy, pending, prev, start);
+        QuadraticLineAnalysis::LoopWalk walk{g.get(), expectedLoopy, expectedPending, {}};
+        EXPECT_EQ(result, walk.recur(prev, start));
+        EXPECT_TRUE(loopy == expectedLoopy) << text(loopy) << " vs " << text(expectedLoopy);
+        EXPECT_TRUE(pending == expectedPending) << text(pending) << " vs " << text(expectedPending);
+    }
+}
+
+TEST(GraphUtilsTest, FindsTheTreesAndLoopsOfSmallGraphs) {
+    const Vec3f a(0, 0, 0), b(1, 0, 0), c(1, 1, 0), d(0, 1, 0);
+    struct Case {
+        const char* name;
+        std::vector<Vec3f> vertices;
+        std::vector<std::pair<int, int>> edges;
+        std::vector<float> thickness;  // per line; none when empty
+        Lines startLines;
+        LineSets trees, loops;
+        Lines loopy, generating;
+    };
+    const Case cases[] = {
+        {"pieces joined at equal coordinates", {a, b, b, c}, {{0, 1}, {2, 3}}, {}, {}, {{0, 1}}, {}, {}, {}},
+        {"self-loop first", {a, b}, {{0, 0}, {0, 1}}, {}, {}, {{0}, {1}}, {{0}}, {0}, {0}},
+        {"parallel twins", {a, b, a, b}, {{0, 1}, {3, 2}}, {}, {}, {{0, 1}}, {{0, 1}}, {0, 1}, {0}},
+        {"triangle", {a, b, c}, {{0, 1}, {1, 2}, {2, 0}}, {}, {}, {{0, 1, 2}}, {{2, 1}}, {2, 1}, {}},
+        {"triangle, two start lines", {a, b, c}, {{0, 1}, {1, 2}, {2, 0}}, {}, {0, 2}, {{0, 2}}, {}, {}, {}},
+        {"square",
+         {a, b, c, d},
+         {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
+         {},
+         {},
+         {{0, 1, 2, 3}},
+         {{3, 2, 1}},
+         {3, 2, 1},
+         {3}},
+        {"thin square",
+         {a, b, c, d},
+         {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
+         {3, 3, 1, 2},
+         {},
+         {{0, 1, 2, 3}},
+         {{3, 2, 1}},
+         {3, 2, 1},
+         {2}},
+    };
+    KxMessageCapture console;
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        auto g = makeGraph(test.vertices, test.edges);
+        if (!test.thickness.empty()) {
+            setThickness(*g, test.thickness);
+        }
+        LineSets trees, loops;
+        Lines ranks, loopy, generating;
+        DArray<GraphUtils::LineLocation> locations;
+        GraphUtils::identifyTrees(g.get(), trees, ranks, locations, test.startLines);
+        GraphUtils::identifyLoops(g.get(), loops, loopy, test.startLines);
+        EXPECT_EQ(text(trees), text(test.trees));
+        EXPECT_EQ(text(loops), text(test.loops));
+        EXPECT_EQ(text(loopy), text(test.loopy));
+        if (test.startLines.isEmpty()) {
+            GraphUtils::getLoopGeneratingLines(g.get(), generating);
+            EXPECT_EQ(text(generating), text(test.generating));
+        }
+    }
+}
+
+// 0: a-b, 1: b-c, then c branches into 2: c-d and 3: c-e, and 4: e-f. The
+// siblings 2 and 3 touch each other, so 2 continues into 3 as a chain and 3
+// comes twice: the defined procedure, kept as it is.
+TEST(GraphUtilsTest, RanksCountBranchingsFromTheStartLine) {
+    auto g = makeGraph({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 1, 0}, {3, -1, 0}, {4, -1, 0}},
+                       {{0, 1}, {1, 2}, {2, 3}, {2, 4}, {4, 5}});
+    Lines treeLines;
+    LineSets levels;
+    KxMessageCapture console;
+    testing::internal::CaptureStdout();
+    GraphUtils::identifyTree(g.get(), 0, treeLines, levels);
+    std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(text(treeLines), "[0 1 2 3 4 3 ]");
+    EXPECT_EQ(text(levels), "[0 ][1 ][2 3 4 3 ]");
+    EXPECT_EQ(printed.substr(0, 40), "rank1 [0] line [0]\nrank1 [1] line [1]\nra");
+    EXPECT_NE(printed.find("rank2 [2] line [4]\n"), std::string::npos);
+    EXPECT_TRUE(console.contains("calculating topology"));
+}
+
+TEST(GraphUtilsTest, ConnectionIgnoresTheEndTouchingThePreviousLine) {
+    // 0: a-b, 1: b-c, 2: c-a (closing), 3: b-b self-loop, 4: a NaN vertex shared by 5 and 6.
+    auto g = makeGraph({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {-0.0f, 0, 0}, {NAN, 0, 0}},
+                       {{0, 1}, {1, 2}, {2, 3}, {1, 1}, {4, 0}, {4, 1}});
+    // a, b, previous line, connected
+    const int cases[][4] = {{1, 0, -1, 1}, {1, 0, 0, 0},  {1, 2, 0, 1},  {2, 0, -1, 1}, {2, 0, 1, 1},
+                            {3, 0, -1, 0}, {0, 3, -1, 1}, {4, 5, -1, 0}, {4, 0, -1, 1}, {0, 9, -1, 0}};
+    for (const int* c : cases) {
+        EXPECT_EQ(GraphUtils::checkIfLinesAreConnected(g.get(), c[0], c[1], c[2]), c[3] != 0)
+            << c[0] << " " << c[1] << " " << c[2];
+    }
+}
+
+// A ring of many lines: the walk goes once around without exhausting the stack.
+TEST(GraphUtilsTest, WalksARingOfManyLines) {
+    const int n = 300000;
+    auto g = std::make_unique<KxSpatialGraph>();
+    for (int v = 0; v < n; ++v) {
+        g->addVertex(Vec3f(std::cos(v * 2e-5f), std::sin(v * 2e-5f), 0));
+    }
+    for (int e = 0; e < n; ++e) {
+        g->addEdge(e, (e + 1) % n);
+    }
+    Lines pending(n, 0), loopy;
+    EXPECT_EQ(GraphUtils::identifyLoopRecur(g.get(), loopy, pending, -1, 0), -2);
+    ASSERT_EQ(loopy.size(), n - 1);
+    EXPECT_EQ(loopy[0], n - 1);
+    EXPECT_EQ(loopy.last(), 1);
+    Lines generating;
+    GraphUtils::getLoopGeneratingLines(g.get(), generating);
+    EXPECT_EQ(text(generating), "[" + std::to_string(n - 1) + " ]");
+}

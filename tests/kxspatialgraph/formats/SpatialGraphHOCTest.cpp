@@ -1,0 +1,343 @@
+#include "kxspatialgraph/formats/SpatialGraphHOC.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cmath>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "fuzz/KorvaMeshMutator.h"
+#include "korva/core/KxMessageCapture.h"
+#include "korva/korvamesh/KorvaMeshTestSupport.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/GraphComparison.h"
+#include "support/GraphFixtures.h"
+#include "support/HocTrees.h"
+#include "support/TempDir.h"
+
+namespace {
+
+std::unique_ptr<KxSpatialGraph> read(const std::string& text) {
+    return std::unique_ptr<KxSpatialGraph>(loadHOCFromMemory(text.data(), text.size(), "test.hoc"));
+}
+
+// "name/rank(source>target)#points" per edge, space-separated.
+std::string summary(const KxSpatialGraph& g) {
+    EdgeVertexAttribute* topology = g.findEdgeAttribute("topology");
+    EdgeVertexAttribute* ranks = g.findEdgeAttribute("Ranks");
+    std::string s;
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        String name;
+        g.getLabelName(topology, topology ? topology->getIntDataAtIdx(e) : 0, name);
+        s += (e ? " " : "") + name.std() + "/" + std::to_string(ranks->getIntDataAtIdx(e)) + "(" +
+             std::to_string(g.getEdgeSource(e)) + ">" + std::to_string(g.getEdgeTarget(e)) + ")#" +
+             std::to_string(g.getNumEdgePoints(e));
+    }
+    return s;
+}
+
+// A Y whose left arm branches again; the children are listed first.
+const char* const kBranchingY = R"(create soma, dend[4]
+connect dend[0](0), soma(1)
+connect dend[1](0), soma(1)
+connect dend[2](0), dend[0](1)
+connect dend[3](0), dend[0](1)
+soma { pt3dclear() pt3dadd(0, 0, 0, 8) pt3dadd(0, 10, 0, 6) }
+dend[0] { pt3dadd(0, 10, 0, 2) pt3dadd(-5, 15, 0, 1.5) }
+dend[1] { pt3dadd(0, 10, 0, 2) pt3dadd(5, 15, 1, 1.5) }
+dend[2] { pt3dadd(-5, 15, 0, 1) pt3dadd(-7, 20, 0, 1) pt3dadd(-8, 25, 0, 0.5) }
+dend[3] { pt3dadd(-5, 15, 0, 1) pt3dadd(-3, 20, 0, 1) }
+)";
+
+TEST(SpatialGraphHOCTest, ReadsTheStatementsOfTheSubset) {
+    struct Case {
+        const char* name;
+        std::string text;
+        const char* expected;
+    } cases[] = {
+        {"one block",
+         "create soma\nsoma {\n pt3dclear()\n pt3dadd(0,0,0,2)\n pt3dadd(0,0,5,2)\n pt3dadd(0,0,9,3)\n}",
+         "soma/1(0>1)#3"},
+        {"ends meet without connect",
+         "create a, b\na { pt3dadd(0,0,0,1) pt3dadd(1,0,0,1) }\n"
+         "b { pt3dadd(1,0,0,1) pt3dadd(2,0,0,1) }",
+         "a/1(0>1)#2 b/2(1>2)#2"},
+        {"branch points raise the rank", kBranchingY,
+         "soma/1(0>1)#2 dend/2(1>2)#2 dend/2(1>3)#2 dend/3(2>4)#3 dend/3(2>5)#2"},
+        {"access, comments, CRLF, signs and exponents",
+         "/* a\nheader */ create a // the only one\r\naccess a\r\npt3dadd(+1e1, -2.5E-1, .5, 3.)\r\n"
+         "pt3dadd(1, 2, 3, 4);",
+         "a/1(0>1)#2"},
+        {"index spellings",
+         "create d[3]\nd [ 2. ] { pt3dadd(0,0,0,1) pt3dadd(1,0,0,1) }\n"
+         "d[                   0.] { pt3dadd(5,0,0,1) pt3dadd(6,0,0,1) }",
+         "d/1(0>1)#2 d/1(2>3)#2"},
+        {"pt3dclear drops points, pt3dadd without a section is ignored",
+         "pt3dadd(9,9,9,9)\ncreate a\na { pt3dadd(7,7,7,7) pt3dclear() pt3dadd(0,0,0,1) pt3dadd(1,1,1,1) }",
+         "a/1(0>1)#2"},
+        {"nested blocks",
+         "create a, b\na { { } b { pt3dadd(5,0,0,1) pt3dadd(6,0,0,1) } pt3dadd(0,0,0,1)\n"
+         "pt3dadd(1,0,0,1) }",
+         "a/1(0>1)#2 b/1(2>3)#2"},
+        {"creating again keeps points", "create a\na { pt3dadd(0,0,0,1) pt3dadd(1,0,0,1) }\ncreate a",
+         "a/1(0>1)#2"},
+        {"sections without points make no edge", "create a, b[3]\nb[2] { pt3dadd(0,0,0,1) pt3dadd(1,0,0,1) }",
+         "b/1(0>1)#2"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        KxMessageCapture capture;
+        std::unique_ptr<KxSpatialGraph> g = read(c.text);
+        ASSERT_TRUE(g) << capture.text();
+        EXPECT_EQ(summary(*g), c.expected);
+        EXPECT_EQ(capture.lines(), std::vector<std::string>{"Close file"});
+        expectConsistent(*g);
+    }
+}
+
+TEST(SpatialGraphHOCTest, AnySyntaxErrorFailsTheWholeLoadWithLineAndTag) {
+    struct Case {
+        const char* text;
+        const char* error;
+    } cases[] = {
+        {"create soma\ndend { }", "Error reading file at line 2. Tag: 10"},
+        {"create d[2]\nd[2] { }", "Error reading file at line 2. Tag: 10"},
+        {"create d[99999999999]", "Error reading file at line 1. Tag: 10"},
+        {"create 5", "Error reading file at line 1. Tag: 5"},
+        {"create a,\n", "Error reading file at line 1. Tag: 11"},
+        {"access (", "Error reading file at line 1. Tag: 1"},
+        {"create a\na { pt3dadd(1,2,3) }", "Error reading file at line 2. Tag: 2"},
+        {"create a\na { pt3dadd(1,x,3,4) }", "Error reading file at line 2. Tag: 10"},
+        {"create a\na { pt3dadd(1,2,\n3,4) }", "Error reading file at line 2. Tag: 11"},
+        {"create a\n\na { pt3dclear(1) }", "Error reading file at line 3. Tag: 5"},
+        {"create a, b\nconnect a(0) b(1)", "Error reading file at line 2. Tag: 10"},
+        {"create a, b\nconnect a, b(1)", "Error reading file at line 2. Tag: 3"},
+        {"create a, b\nconnect a(0), c(1)", "Error reading file at line 2. Tag: 10"},
+        {"proc f() { }", "Error reading file at line 1. Tag: 10"},
+        {"create a\n/* open\n\n", "Error reading file at line 2. Tag: -1"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        KxMessageCapture capture;
+        EXPECT_FALSE(read(c.text));
+        EXPECT_EQ(capture.lines().back(), c.error);
+        EXPECT_EQ(capture.contains("EOF in comment"), std::string(c.error).find("-1") != std::string::npos);
+    }
+}
+
+TEST(SpatialGraphHOCTest, LabelGroupsNameSectionsAndRanksWithGeneratedColours) {
+    std::unique_ptr<KxSpatialGraph> g = read(kBranchingY);
+    ASSERT_TRUE(g);
+    std::vector<std::string> names;
+    std::vector<float> hues;
+    for (const char* group : {"topology", "Ranks"}) {
+        HierarchicalLabels* labels = g->getLabelGroup(group);
+        ASSERT_TRUE(labels);
+        SbColor color;
+        ASSERT_TRUE(labels->getLabelColor(0, color));
+        EXPECT_EQ(Color(color), Color(0.8f, 0.8f, 0.8f));
+        for (int id = 1; id <= labels->getMaxLabelId(); ++id) {
+            String name;
+            ASSERT_TRUE(labels->getLabelName(id, name) && labels->getLabelColor(id, color));
+            names.push_back(name.std());
+            float h, s, v;
+            color.getHSVValue(h, s, v);
+            EXPECT_NEAR(s, 0.8f, 1e-5);
+            EXPECT_NEAR(v, 0.8f, 1e-5);
+            hues.push_back(h);
+        }
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"soma", "dend", "Rank1", "Rank2", "Rank3"}));
+    // One counter runs through both groups: each hue is 1 / 6.37 past the last.
+    for (size_t k = 1; k < hues.size(); ++k) {
+        float step = hues[k] - hues[k - 1];
+        EXPECT_NEAR(step - std::floor(step), 1 / 6.37f, 1e-4) << k;
+    }
+}
+
+TEST(SpatialGraphHOCTest, DebugOutputFollowsTheStatements) {
+    setHOCReaderDebug(true);
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g = read(
+        "create a, b\na { pt3dclear() pt3dadd(1, 2, 3, 0.5) } @ =\n"
+        "connect b(0), a(1)");
+    setHOCReaderDebug(false);
+    EXPECT_EQ(capture.lines(),
+              (std::vector<std::string>{"Hoc File Parser started read file: test.hoc", "PT3DCLEAR",
+                                        "PT3DADD (1.000000,2.000000,3.000000,0.500000)",
+                                        "No useful tag detected: 4", "CONNECT: b(0.000000) with a(1.000000).",
+                                        "Skipped characters: @", "Close file",
+                                        "Error: Edge 0 has 1 points. Should be at least 2."}));
+}
+
+std::string write(const KxSpatialGraph& g, const TempDir& dir, const char* name) {
+    std::string path = dir.path(name);
+    EXPECT_EQ(writeHOC(g.getSpatialGraphInterface(), path.c_str()), 1);
+    return path;
+}
+
+TEST(SpatialGraphHOCTest, WritesTheSubsetExactly) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> g = read(
+        "create soma, dend[2]\nsoma { pt3dadd(0,0,0,8) pt3dadd(0,1e-7,0,6) }\n"
+        "dend[1] { pt3dadd(1,2,3,2) pt3dadd(0,1e-7,0,1.25) }");
+    ASSERT_TRUE(g);
+    g->addEdge(g->addVertex(Vec3f(1, 2, 3)), 1);  // an edge without a section name
+    EXPECT_EQ(readFileBytes(write(*g, dir, "out.hoc")),
+              "create soma[                   1.]\ncreate dend[                   1.]\ncreate section_2\n"
+              "soma[0.] {\npt3dclear()\npt3dadd(0.000000,0.000000,0.000000,8.000000)\n"
+              "pt3dadd(0.000000,0.000000,0.000000,6.000000)\n}\n\n"
+              "dend[0.] {\npt3dclear()\npt3dadd(1.000000,2.000000,3.000000,2.000000)\n"
+              "pt3dadd(0.000000,0.000000,0.000000,1.250000)\n}\n\n"
+              "section_2 {\npt3dclear()\npt3dadd(1.000000,2.000000,3.000000,0.000000)\n"
+              "pt3dadd(0.000000,0.000000,0.000000,0.000000)\n}\n\n"
+              "connect dend[0.](1), soma[0.](1)\nconnect section_2(1), dend[0.](1)\n");
+}
+
+TEST(SpatialGraphHOCTest, WriterRefusesGraphsWithoutRanksAndDropsIsolatedVertices) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> y = GraphFixtures::makeY();
+    KxMessageCapture capture;
+    EXPECT_EQ(writeHOC(y->getSpatialGraphInterface(), dir.path("y.hoc").c_str()), 0);
+    EXPECT_TRUE(capture.contains("Error: No root segments specified!"));
+    EXPECT_TRUE(dir.list().empty());
+    y->addNewLabelGroup("Ranks", true, false, false);
+    y->addVertex(Vec3f(9, 9, 9));
+    EXPECT_EQ(writeHOC(y->getSpatialGraphInterface(), dir.path("missing/y.hoc").c_str()), 0);
+    capture.clear();
+    write(*y, dir, "y.hoc");
+    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Warning: Isolated node 4 will be ignored!"});
+}
+
+// Edges as (points, thickness, section name, rank), sorted: what a round
+// trip keeps while it renumbers vertices and groups edges by section name.
+std::vector<std::string> edgeContents(const KxSpatialGraph& g) {
+    std::vector<std::string> edges;
+    EdgeVertexAttribute* topology = g.findEdgeAttribute("topology");
+    for (int e = 0; e < g.getNumEdges(); ++e) {
+        String s;
+        g.getLabelName(topology, topology ? topology->getIntDataAtIdx(e) : 0, s);
+        s.appendf(" rank %d:", g.findEdgeAttribute("Ranks")->getIntDataAtIdx(e));
+        for (int i = 0; i < g.getNumEdgePoints(e); ++i) {
+            Vec3f p = g.getEdgePoint(e, i);
+            s.appendf(" %g %g %g %g", p[0], p[1], p[2],
+                      g.findEdgePointAttribute("thickness")->getFloatDataAtPoint(e, i));
+        }
+        edges.push_back(s.std());
+    }
+    std::sort(edges.begin(), edges.end());
+    return edges;
+}
+
+TEST(SpatialGraphHOCTest, RoundTripsKeepSectionsAndReachAFixedPoint) {
+    struct Case {
+        const char* name;
+        std::string text;
+    } cases[] = {{"branching Y", kBranchingY}, {"random tree", HocTrees::makeRandomTree(2000, 7)}};
+    TempDir dir;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::unique_ptr<KxSpatialGraph> first = read(c.text);
+        ASSERT_TRUE(first);
+        std::unique_ptr<KxSpatialGraph> second(loadHOCToKxSpatialGraph(write(*first, dir, "1.hoc").c_str()));
+        ASSERT_TRUE(second);
+        EXPECT_EQ(edgeContents(*first), edgeContents(*second));
+        std::unique_ptr<KxSpatialGraph> third(loadHOCToKxSpatialGraph(write(*second, dir, "2.hoc").c_str()));
+        ASSERT_TRUE(third);
+        // Label colours come from the reader's counter; everything else is equal.
+        GraphSnapshot expected = takeSnapshot(*second), actual = takeSnapshot(*third);
+        expected.parameters = actual.parameters = "";
+        GraphComparisonOptions options;
+        options.compareAttributeIds = false;
+        EXPECT_EQ(describeDifference(expected, actual, options), "");
+    }
+}
+
+// Deep trees import and export without recursion: one tree, so every section
+// but the root is connected to its parent in the export.
+void expectDeepTreeRoundTrip(const std::string& text, int numEdges, int numPoints, int maxRank) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> g = read(text);
+    ASSERT_TRUE(g);
+    EXPECT_EQ(g->getNumEdges(), numEdges);
+    EXPECT_EQ(g->getTotalNumEdgePoints(), numPoints);
+    EXPECT_EQ(g->getLabelGroup("Ranks")->getMaxLabelId(), maxRank);
+    std::ifstream hoc(write(*g, dir, "deep.hoc"));
+    int connects = 0;
+    for (std::string line; std::getline(hoc, line);) {
+        connects += line.compare(0, 8, "connect ") == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(connects, numEdges - 1);
+}
+
+TEST(SpatialGraphHOCTest, AChainOfAMillionPoints) {
+    expectDeepTreeRoundTrip(HocTrees::makeChain(500000, 2), 500000, 1000000, 2);
+}
+
+TEST(SpatialGraphHOCTest, TwoHundredThousandBranchPointsOneInsideAnother) {
+    expectDeepTreeRoundTrip(HocTrees::makeComb(400000), 400000, 800000, 200000);
+}
+
+TEST(SpatialGraphHOCTest, NumbersIgnoreTheLocale) {
+    std::string previous = std::setlocale(LC_ALL, nullptr);
+    if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) {
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    }
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> g =
+        read("create a\na { pt3dadd(1.5, 0, 0, 0.25) pt3dadd(2.5, 0, 0, 1) }");
+    std::string text = g ? readFileBytes(write(*g, dir, "a.hoc")) : "";
+    std::setlocale(LC_ALL, previous.c_str());
+    ASSERT_TRUE(g);
+    EXPECT_EQ(g->getEdgePoint(0, 0), Vec3f(1.5f, 0, 0));
+    EXPECT_EQ(g->findEdgePointAttribute("thickness")->getFloatDataAtPoint(0, 0), 0.25f);
+    EXPECT_NE(text.find("pt3dadd(1.500000,0.000000,0.000000,0.250000)"), std::string::npos) << text;
+}
+
+TEST(SpatialGraphHOCTest, RealFilesLoadOrFailWithLineAndTag) {
+    struct Case {
+        const char* file;
+        const char* error;  // the subset ends where these files call procedures or templates
+    } cases[] = {{"hoc2swc/CA1.hoc", "Error reading file at line 2076. Tag: 10"},
+                 {"hoc2swc/NoTemplate.hoc", "Error reading file at line 3. Tag: 10"},
+                 {"hoc2swc/TestCell.hoc", "Error reading file at line 3. Tag: 10"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        KxMessageCapture capture;
+        std::unique_ptr<KxSpatialGraph> g(
+            loadHOCToKxSpatialGraph((std::string(KORVA_FIXTURES_DIR "/external/") + c.file).c_str()));
+        EXPECT_FALSE(g);
+        EXPECT_EQ(capture.lines(), std::vector<std::string>{c.error});
+    }
+    KxMessageCapture capture;
+    EXPECT_FALSE(loadHOCToKxSpatialGraph("/nonexistent.hoc"));
+    EXPECT_EQ(capture.lines(), (std::vector<std::string>{"FILE IO Error", "Error reading file."}));
+}
+
+TEST(SpatialGraphHOCTest, DamagedFilesNeverCrashTheReader) {
+    TempDir dir;
+    std::unique_ptr<KxSpatialGraph> y = read(kBranchingY);
+    ASSERT_TRUE(y);
+    KorvaMeshMutator mutator(31);
+    int built = 0;
+    for (const std::string& seed : {std::string(kBranchingY), readFileBytes(write(*y, dir, "y.hoc"))}) {
+        for (int n = 0; n < 2000; ++n) {
+            std::string input = mutator.mutate(seed);
+            KxMessageCapture capture;
+            std::unique_ptr<KxSpatialGraph> g = read(input);
+            built += g ? 1 : 0;
+            ASSERT_TRUE(g || (!capture.lines().empty() &&
+                              capture.lines().back().compare(0, 26, "Error reading file at line") == 0))
+                << input;
+        }
+    }
+    EXPECT_GT(built, 0);
+}
+
+}  // namespace
