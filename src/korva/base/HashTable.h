@@ -57,10 +57,10 @@ struct HashKeyTraits<std::string> {
 // Open hash table (linear probing over slots that index an entry array).
 // Iteration visits the entries in insertion order, so it is the same on every
 // platform and every run: file readers number elements in this order.
-// Removing an entry keeps the order of the others.
-template <class K, class V>
+// Removing an entry keeps the order of the others. Traits may replace the
+// key's hash where the keys have a known shape.
+template <class K, class V, class Traits = HashKeyTraits<K>>
 class HashTable {
-    using Traits = HashKeyTraits<K>;
     using Stored = typename Traits::Stored;
 
     struct Entry {
@@ -74,6 +74,11 @@ public:
     bool insert(const K& key, const V& value);
     // Inserts or replaces.
     void set(const K& key, const V& value);
+    // The value of key; if key is absent it is inserted with value first and
+    // inserted is set. The reference is valid until the next insertion.
+    V& findOrInsert(const K& key, const V& value, bool& inserted);
+    // Room for n entries, so that inserting up to n keys rebuilds nothing.
+    void reserve(int n);
     V* lookup(const K& key);
     const V* lookup(const K& key) const;
     bool lookup(const K& key, V& value) const;
@@ -110,6 +115,8 @@ private:
     static constexpr int32_t kRemoved = -2;
 
     int findEntry(const K& key) const;
+    // Appends key, which must be absent, and answers its entry index.
+    int insertNew(const K& key, const V& value);
     void rebuild(size_t slotCount);
     size_t slotMask() const { return slots_.size() - 1; }
 
@@ -119,8 +126,8 @@ private:
     size_t numUsedSlots_ = 0;  // alive + removed markers
 };
 
-template <class K, class V>
-int HashTable<K, V>::findEntry(const K& key) const {
+template <class K, class V, class Traits>
+int HashTable<K, V, Traits>::findEntry(const K& key) const {
     if (slots_.empty()) {
         return -1;
     }
@@ -137,8 +144,8 @@ int HashTable<K, V>::findEntry(const K& key) const {
     }
 }
 
-template <class K, class V>
-void HashTable<K, V>::rebuild(size_t slotCount) {
+template <class K, class V, class Traits>
+void HashTable<K, V, Traits>::rebuild(size_t slotCount) {
     std::vector<Entry> alive;
     alive.reserve(static_cast<size_t>(numAlive_));
     for (Entry& e : entries_) {
@@ -158,11 +165,17 @@ void HashTable<K, V>::rebuild(size_t slotCount) {
     numUsedSlots_ = entries_.size();
 }
 
-template <class K, class V>
-bool HashTable<K, V>::insert(const K& key, const V& value) {
+template <class K, class V, class Traits>
+bool HashTable<K, V, Traits>::insert(const K& key, const V& value) {
     if (findEntry(key) >= 0) {
         return false;
     }
+    insertNew(key, value);
+    return true;
+}
+
+template <class K, class V, class Traits>
+int HashTable<K, V, Traits>::insertNew(const K& key, const V& value) {
     // Keep the load (alive entries and removal markers) under one half. Dead
     // entries count too: inserting and removing one key again and again reuses
     // its slot but appends a new entry each time, and the rebuild drops them.
@@ -183,11 +196,34 @@ bool HashTable<K, V>::insert(const K& key, const V& value) {
     slots_[i] = static_cast<int32_t>(entries_.size());
     entries_.push_back(Entry{Stored(key), value, true});
     ++numAlive_;
-    return true;
+    return static_cast<int>(entries_.size()) - 1;
 }
 
-template <class K, class V>
-void HashTable<K, V>::set(const K& key, const V& value) {
+template <class K, class V, class Traits>
+V& HashTable<K, V, Traits>::findOrInsert(const K& key, const V& value, bool& inserted) {
+    int e = findEntry(key);
+    inserted = e < 0;
+    if (inserted) {
+        e = insertNew(key, value);
+    }
+    return entries_[static_cast<size_t>(e)].value;
+}
+
+template <class K, class V, class Traits>
+void HashTable<K, V, Traits>::reserve(int n) {
+    // The load stays under one half up to n entries.
+    size_t slotCount = std::max<size_t>(slots_.size(), 16);
+    while (slotCount < static_cast<size_t>(std::max(n, numAlive_) + 1) * 2) {
+        slotCount *= 2;
+    }
+    if (slotCount > slots_.size()) {
+        rebuild(slotCount);
+    }
+    entries_.reserve(static_cast<size_t>(std::max(n, 0)));
+}
+
+template <class K, class V, class Traits>
+void HashTable<K, V, Traits>::set(const K& key, const V& value) {
     int e = findEntry(key);
     if (e >= 0) {
         entries_[static_cast<size_t>(e)].value = value;
@@ -196,20 +232,20 @@ void HashTable<K, V>::set(const K& key, const V& value) {
     }
 }
 
-template <class K, class V>
-V* HashTable<K, V>::lookup(const K& key) {
+template <class K, class V, class Traits>
+V* HashTable<K, V, Traits>::lookup(const K& key) {
     int e = findEntry(key);
     return e < 0 ? nullptr : &entries_[static_cast<size_t>(e)].value;
 }
 
-template <class K, class V>
-const V* HashTable<K, V>::lookup(const K& key) const {
+template <class K, class V, class Traits>
+const V* HashTable<K, V, Traits>::lookup(const K& key) const {
     int e = findEntry(key);
     return e < 0 ? nullptr : &entries_[static_cast<size_t>(e)].value;
 }
 
-template <class K, class V>
-bool HashTable<K, V>::lookup(const K& key, V& value) const {
+template <class K, class V, class Traits>
+bool HashTable<K, V, Traits>::lookup(const K& key, V& value) const {
     const V* v = lookup(key);
     if (v) {
         value = *v;
@@ -217,8 +253,8 @@ bool HashTable<K, V>::lookup(const K& key, V& value) const {
     return v != nullptr;
 }
 
-template <class K, class V>
-bool HashTable<K, V>::remove(const K& key) {
+template <class K, class V, class Traits>
+bool HashTable<K, V, Traits>::remove(const K& key) {
     if (slots_.empty()) {
         return false;
     }
@@ -240,23 +276,23 @@ bool HashTable<K, V>::remove(const K& key) {
     return false;
 }
 
-template <class K, class V>
-void HashTable<K, V>::clear() {
+template <class K, class V, class Traits>
+void HashTable<K, V, Traits>::clear() {
     entries_.clear();
     slots_.clear();
     numAlive_ = 0;
     numUsedSlots_ = 0;
 }
 
-template <class K, class V>
-std::vector<K> HashTable<K, V>::keys() const {
+template <class K, class V, class Traits>
+std::vector<K> HashTable<K, V, Traits>::keys() const {
     std::vector<K> result;
     forEach([&](const K& k, const V&) { result.push_back(k); });
     return result;
 }
 
-template <class K, class V>
-std::vector<V> HashTable<K, V>::values() const {
+template <class K, class V, class Traits>
+std::vector<V> HashTable<K, V, Traits>::values() const {
     std::vector<V> result;
     forEach([&](const K&, const V& v) { result.push_back(v); });
     return result;

@@ -1,18 +1,14 @@
 #include "korva/korvamesh/KorvaMeshReader.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <zlib.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdarg>
 #include <cstring>
 #include <new>
 
+#include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxParamBundle.h"
 #include "korva/core/KxTextScanner.h"
@@ -58,61 +54,6 @@ const char* matchingBrace(KxTextScanner& scanner, std::string& error) {
     }
 }
 
-// A page-aligned buffer for a whole file. Large buffers ask for transparent
-// huge pages: filling a fresh buffer of hundreds of megabytes page by page
-// costs more than copying the file into it.
-std::shared_ptr<char> allocateFileBuffer(size_t size) {
-    size_t length = size + 1;
-    void* p = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (p == MAP_FAILED) {
-        return nullptr;
-    }
-    if (length >= (size_t(1) << 21)) {
-        ::madvise(p, length, MADV_HUGEPAGE);
-    }
-    return std::shared_ptr<char>(static_cast<char*>(p), [length](char* q) { ::munmap(q, length); });
-}
-
-// The file mapped read-only, its pages entered at once; null if it cannot be
-// mapped. Deliberate: a mapped file that another program truncates while we
-// read it ends the process (SIGBUS). Korva's own writers never change a file
-// in place (they rename a new file over it), so this does not happen between
-// Korva sessions, and the mapping saves copying the whole file once.
-std::shared_ptr<char> mapFile(int fd, size_t size) {
-    if (size == 0) {
-        return nullptr;
-    }
-    void* p = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
-    if (p == MAP_FAILED) {
-        return nullptr;
-    }
-    return std::shared_ptr<char>(static_cast<char*>(p), [size](char* q) { ::munmap(q, size); });
-}
-
-// Reads the whole file with read(), for files that cannot be mapped.
-bool readWholeFile(int fd, size_t size, const char* filename, std::shared_ptr<char>& contents) {
-    contents = allocateFileBuffer(size);
-    if (!contents) {
-        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": not enough memory for %zu bytes.", filename,
-                       size);
-        return false;
-    }
-    size_t done = 0;
-    while (done < size) {
-        ssize_t n = ::read(fd, contents.get() + done, size - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            theMsg->printf("Error: cannot read KorvaMesh file \"%s\": %s.", filename,
-                           n < 0 ? std::strerror(errno) : "the file shrank while it was read");
-            return false;
-        }
-        done += static_cast<size_t>(n);
-    }
-    return true;
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -134,27 +75,15 @@ std::unique_ptr<KorvaMesh> KorvaMeshReader::readMemory(const char* bytes, size_t
 }
 
 std::unique_ptr<KorvaMesh> KorvaMeshReader::readFile(const char* filename) {
-    int fd = ::open(filename, O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": %s.", filename, std::strerror(errno));
+    KxFileContents contents;
+    std::string error;
+    if (!contents.load(filename, error)) {
+        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": %s.", filename, error.c_str());
         return nullptr;
     }
-    struct stat st;
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        theMsg->printf("Error: cannot read KorvaMesh file \"%s\": not a regular file.", filename);
-        return nullptr;
-    }
-    size_t size = static_cast<size_t>(st.st_size);
-    std::shared_ptr<char> contents = mapFile(fd, size);
-    if (!contents && !readWholeFile(fd, size, filename, contents)) {
-        ::close(fd);
-        return nullptr;
-    }
-    ::close(fd);
     std::unique_ptr<KorvaMesh> mesh(new KorvaMesh);
-    KorvaMeshReader reader(contents.get(), size, filename, *mesh, true);
-    mesh->fileContents_ = std::move(contents);
+    KorvaMeshReader reader(contents.data(), contents.size(), filename, *mesh, true);
+    mesh->fileContents_ = contents.share();
     if (!reader.parse()) {
         return nullptr;
     }

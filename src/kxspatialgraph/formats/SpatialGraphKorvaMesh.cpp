@@ -381,6 +381,15 @@ KxSpatialGraph* readLegacyKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const c
     return graph;
 }
 
+const KxSpatialGraphInterface* spatialGraphToWrite(KxData* data, const char* format) {
+    KxSpatialGraph* graph = dynamic_cast<KxSpatialGraph*>(data);
+    if (!graph) {
+        theMsg->printf("Error: %s files hold spatial graphs, not %s.", format, data->getTypeName());
+        return nullptr;
+    }
+    return graph->getSpatialGraphInterface();
+}
+
 int registerSpatialGraph(KxSpatialGraph* graph, const char* filename) {
     if (!graph) {
         return 0;

@@ -1,7 +1,9 @@
 #pragma once
 
 class KorvaMesh;
+class KxData;
 class KxSpatialGraph;
+class KxSpatialGraphInterface;
 
 // Spatial graphs from parsed KorvaMesh objects: the current layout (locations
 // "VERTEX", "EDGE", "POINT"), written by KxSpatialGraph::saveKorvaMesh,
@@ -20,6 +22,10 @@ int readKorvaMesh(const KorvaMesh& mesh, const char* filename);
 // The legacy converter: a new graph, or null when the vertex coordinates,
 // connectivity, point counts or edge points are missing or do not fit.
 KxSpatialGraph* readLegacyKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const char* filename);
+
+// The read-only interface of data when it is a spatial graph; otherwise null
+// after "Error: <format> files hold spatial graphs, not <type>.".
+const KxSpatialGraphInterface* spatialGraphToWrite(KxData* data, const char* format);
 
 // Registers graph in the object pool under filename's last path component
 // and answers 1; answers 0 for a null graph.

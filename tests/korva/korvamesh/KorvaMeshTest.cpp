@@ -1,6 +1,5 @@
 #include "korva/korvamesh/KorvaMesh.h"
 
-#include <clocale>
 #include <cmath>
 #include <vector>
 
@@ -8,6 +7,7 @@
 
 #include "korva/core/KxMessageCapture.h"
 #include "korva/korvamesh/KorvaMeshTestSupport.h"
+#include "support/DecimalCommaLocale.h"
 
 namespace {
 
@@ -137,23 +137,19 @@ TEST(KorvaMeshTest, NotANumberSurvivesBothEncodings) {
 }
 
 TEST(KorvaMeshTest, AsciiIgnoresTheLocale) {
-    const char* locales[] = {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "nl_NL.UTF-8"};
-    std::string previous = std::setlocale(LC_ALL, nullptr);
-    const char* found = nullptr;
-    for (const char* name : locales) {
-        if (!found && std::setlocale(LC_ALL, name)) {
-            found = name;
-        }
-    }
-    if (!found) {
-        GTEST_SKIP() << "no locale with a decimal comma is installed";
-    }
     TempDir dir;
     KorvaMeshSample sample;
     std::string path = dir.path("locale.kxm");
-    bool written = sample.mesh.write(path.c_str(), 1) == 1;
-    std::unique_ptr<KorvaMesh> back = KorvaMesh::read(path.c_str());
-    std::setlocale(LC_ALL, previous.c_str());
+    bool written = false;
+    std::unique_ptr<KorvaMesh> back;
+    {
+        DecimalCommaLocale locale;
+        if (!locale.active()) {
+            GTEST_SKIP() << "no locale with a decimal comma is installed";
+        }
+        written = sample.mesh.write(path.c_str(), 1) == 1;
+        back = KorvaMesh::read(path.c_str());
+    }
     ASSERT_TRUE(written);
     ASSERT_TRUE(back);
     EXPECT_EQ(describeMeshDifference(sample.mesh, *back), "");

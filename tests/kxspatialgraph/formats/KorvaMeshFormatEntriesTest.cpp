@@ -18,29 +18,12 @@
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
 #include "support/KorvaRunner.h"
+#include "support/PackageFormatsTest.h"
 #include "support/TempDir.h"
 
 namespace {
 
-class KorvaMeshFormatEntriesTest : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(thePackageLoader->load("kxspatialgraph")); }
-    void TearDown() override {
-        for (KxObject* o : created_) {
-            theObjectPool->remove(o);
-        }
-    }
-    // Loads through the registry; the one graph it created, or null.
-    KxSpatialGraph* load(const std::string& path) {
-        std::vector<KxObject*> created;
-        bool ok = theFileFormats->load(path.c_str(), created, *theObjectPool);
-        created_.insert(created_.end(), created.begin(), created.end());
-        return ok && created.size() == 1 ? dynamic_cast<KxSpatialGraph*>(created[0]) : nullptr;
-    }
-
-    TempDir dir_;
-    std::vector<KxObject*> created_;
-};
+using KorvaMeshFormatEntriesTest = PackageFormatsTest;
 
 TEST_F(KorvaMeshFormatEntriesTest, RegistryReadsAndWritesGraphFiles) {
     std::unique_ptr<KxSpatialGraph> g = GraphFixtures::makeLoop();

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -122,6 +123,7 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsMakeAConsistentGraph) {
     EXPECT_EQ(ok("g addLabel Kind 1 Bouton 0 0 1"), "2");
     EXPECT_EQ(ok("g isConsistent"), "1");
     EXPECT_EQ(ok("g getBoundingBox"), "0.0 2.0 0.0 1.0 0.0 0.0");
+    EXPECT_NEAR(std::stod(ok("g totalLength")), 2 * std::sqrt(2.0), 1e-6);
 
     expectConsistent(*g);
     EXPECT_EQ(g->getEdgePoints(0), (DArray<Vec3f>{Vec3f(0, 0, 0), Vec3f(1, 1, 0), Vec3f(2, 0, 0)}));
@@ -164,6 +166,7 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
         {"g addLabel Kind 99 A 1 1 1", "Error: Label group Kind has no label with id 99."},
         {"g addLabel Kind 98 A 1 1 1", "Error: Labels nest at most 100 levels deep."},
         {"g getBoundingBox sideways", "USAGE: getBoundingBox ?transformed?"},
+        {"g totalLength now", "USAGE: totalLength"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script);

@@ -1,0 +1,90 @@
+#include "kxspatialgraph/formats/SpatialGraphNeurolucida.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <ostream>
+
+#include "korva/core/KxMessageConsole.h"
+#include "kxspatialgraph/formats/NeurolucidaStreamer.h"
+#include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/KxSpatialGraphInterface.h"
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
+
+namespace {
+
+const char* const kHeader =
+    ";   V3 text file written for MicroBrightField products\n"
+    ";   This file was made from a spatial graph of the Korva application\n"
+    ";   The graph was produced by the kxspatialgraph reconstruction tools\n"
+    ";   The export extension was programmed by the kxspatialgraph developers\n"
+    ";   The reconstruction tools were programmed by the kxspatialgraph developers\n"
+    ";   Made in cooperation between the Korva project\n"
+    ";   and the users of the kxspatialgraph package\n";
+
+// True when vertex is the only vertex of its component and has an edge: a
+// closed loop. Only a vertex whose edges are all loops can be alone in its
+// component, so the component is computed for those alone and a large tree
+// costs one pass over the incidence lists.
+bool isContour(const KxSpatialGraphInterface* graph, int vertex) {
+    const SmallArray<int, 2>& incident = graph->doGetIncidentEdges(vertex);
+    if (incident.size() == 0) {
+        return false;
+    }
+    for (int i = 0; i < incident.size(); ++i) {
+        if (graph->doGetEdgeSource(incident[i]) != vertex || graph->doGetEdgeTarget(incident[i]) != vertex) {
+            return false;
+        }
+    }
+    SpatialGraphSelection component = graph->doGetConnectedComponent(vertex);
+    return component.getNumSelectedVertices() == 1 && component.getNumSelectedEdges() > 0;
+}
+
+}  // namespace
+
+void SpatialGraph2Neurolucida(const KxSpatialGraphInterface* graph, std::ostream& out) {
+    out << kHeader;
+    const int numVertices = graph->doGetNumVertices();
+    SpatialGraphSelection contours(numVertices, graph->doGetNumEdges());
+    for (int v = 0; v < numVertices; ++v) {
+        if (isContour(graph, v)) {
+            contours.selectVertex(v);
+        }
+    }
+    for (int v = 0; v < numVertices; ++v) {
+        if (contours.isSelectedVertex(v)) {
+            out << NeurolucidaStreamer(graph, v, &contours, NeurolucidaStreamer::CONTOUR)
+                << ") ; End of contour\n";
+        }
+    }
+    SpatialGraphSelection trees(numVertices, graph->doGetNumEdges());
+    for (int v = 0; v < numVertices; ++v) {
+        if (graph->doGetIncidentEdges(v).size() == 1 && !contours.isSelectedVertex(v) &&
+            !trees.isSelectedVertex(v)) {
+            out << NeurolucidaStreamer(graph, v, &trees, NeurolucidaStreamer::TREE) << ") ; End of Object\n";
+        }
+    }
+}
+
+int saveNeurolucidaASCII(const KxSpatialGraphInterface* graph, const char* filename) {
+    if (!graph) {
+        theMsg->printf("Error: no graph to write to %s.", filename);
+        return 0;
+    }
+    std::ofstream out(filename, std::ios::trunc);
+    if (out) {
+        SpatialGraph2Neurolucida(graph, out);
+        out.flush();
+    }
+    if (!out) {
+        theMsg->printf("Error: cannot write %s: %s.", filename, std::strerror(errno));
+        return 0;
+    }
+    return 1;
+}
+
+int kxspatialgraphWriteNeurolucida(KxData* data, const char* filename) {
+    const KxSpatialGraphInterface* graph = spatialGraphToWrite(data, "Neurolucida");
+    return graph ? saveNeurolucidaASCII(graph, filename) : 0;
+}

@@ -1,0 +1,418 @@
+#include "kxspatialgraph/formats/SpatialGraphSWC.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "korva/core/KxFileContents.h"
+#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
+#include "support/DecimalCommaLocale.h"
+#include "support/GraphComparison.h"
+#include "support/MorphologyGenerators.h"
+#include "support/PackageFormatsTest.h"
+
+namespace {
+
+std::unique_ptr<KxSpatialGraph> read(const std::string& text) {
+    return std::unique_ptr<KxSpatialGraph>(readSWC(text.data(), text.size(), "t.swc"));
+}
+
+// The captured lines joined by newlines.
+std::string messages(const KxMessageCapture& capture) {
+    std::string text = capture.text();
+    return text.empty() || text.back() != '\n' ? text : text.substr(0, text.size() - 1);
+}
+
+std::string write(const KxSpatialGraph& graph) {
+    std::ostringstream out;
+    EXPECT_TRUE(writeSWC(graph.getSpatialGraphInterface(), out));
+    return out.str();
+}
+
+// The sample tree an SWC text describes, independent of ids and of which
+// point is the root: one "x y z radius type" key per sample, and the sorted
+// undirected links between samples. Links between equal keys (a point
+// written twice) are left out.
+std::vector<std::string> sampleLinks(const std::string& text) {
+    struct Sample {
+        std::string key;
+        int parent;
+    };
+    std::vector<std::pair<int, Sample>> samples;
+    std::istringstream in(text);
+    in.imbue(std::locale::classic());
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream fields(line);
+        int id, type, parent;
+        float x, y, z, r;
+        if (line.empty() || line[0] == '#' || !(fields >> id >> type >> x >> y >> z >> r >> parent)) {
+            continue;
+        }
+        char key[128];
+        // Written like the export writes, so that a number keeps its key.
+        std::snprintf(key, sizeof(key), "%f %f %f %f %d", x, y, z, r, type);
+        samples.push_back({id, {key, parent}});
+    }
+    std::vector<std::string> links;
+    for (const auto& [id, s] : samples) {
+        auto parent = std::find_if(samples.begin(), samples.end(),
+                                   [&](const std::pair<int, Sample>& p) { return p.first == s.parent; });
+        std::string a = s.key;
+        std::string b = parent == samples.end() ? "root" : parent->second.key;
+        if (a != b) {
+            links.push_back(std::min(a, b) + " | " + std::max(a, b));
+        }
+    }
+    std::sort(links.begin(), links.end());
+    return links;
+}
+
+// The links of the tree, without the roots' marks (the export re-roots).
+std::vector<std::string> withoutRoots(std::vector<std::string> links) {
+    links.erase(std::remove_if(links.begin(), links.end(),
+                               [](const std::string& l) { return l.find("root") != std::string::npos; }),
+                links.end());
+    return links;
+}
+
+TEST(SpatialGraphSWCTest, MalformedLinesFailWithTheirLineNumber) {
+    struct Case {
+        const char* text;
+        const char* error;
+    } cases[] = {
+        {"1 1 0 0 0 1 -1\n2 3 0 0 1 1\n",
+         "Error: t.swc, line 2: expected 7 numbers (id, type, x, y, z, radius, parent) but found 6."},
+        {"1 1 0 0 0 # 1 -1\n",
+         "Error: t.swc, line 1: expected 7 numbers (id, type, x, y, z, radius, parent) but found 5."},
+        {"1.5 1 0 0 0 1 -1\n", "Error: t.swc, line 1: the id column \"1.5\" is not an integer."},
+        {"# c\n\n1 1 0 0 0 1 -1.0\n", "Error: t.swc, line 3: the parent column \"-1.0\" is not an integer."},
+        {"1 soma 0 0 0 1 -1\n", "Error: t.swc, line 1: the type column \"soma\" is not an integer."},
+        {"1 1 0 1,5 0 1 -1\n", "Error: t.swc, line 1: the y column \"1,5\" is not a finite number."},
+        {"1 1 0 0 0 nan -1\n", "Error: t.swc, line 1: the radius column \"nan\" is not a finite number."},
+        {"1 1 0 0 1e99 1 -1\n", "Error: t.swc, line 1: the z column \"1e99\" is not a finite number."},
+        {"99999999999 1 0 0 0 1 -1\n",
+         "Error: t.swc, line 1: the id column \"99999999999\" is not an integer."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        KxMessageCapture capture;
+        EXPECT_FALSE(read(c.text));
+        EXPECT_EQ(messages(capture), c.error);
+    }
+}
+
+TEST(SpatialGraphSWCTest, ReadsLinesAsTheyComeAndSaysWhatItDropsOrReplaces) {
+    struct Case {
+        const char* text;
+        int vertices, edges, points;
+        const char* messages;
+    } cases[] = {
+        // CRLF, blank lines, a signed number, a comment after the columns.
+        {"# head\r\n\r\n  \t\n1 1 0 0 0 1 -1\r\n2 3 +1 0 0 0.5 1 # tip\r\n", 2, 1, 3, ""},
+        {"1 1 0 0 0 1 -1\n2 3 1 0 0 1 1\n3 3 2 0 0 1 2", 2, 1, 3,
+         "Warning: t.swc: line 3 has no newline at its end and is ignored."},
+        {"1 1 0 0 0 1 -1\n2 3 1 0 0 1 1\n# no newline", 2, 1, 3, ""},
+        // The repeated line counts twice as child of 2, which becomes a branch point.
+        {"1 1 0 0 0 1 -1\n2 3 1 0 0 1 1\n3 3 2 0 0 1 2\n3 3 2 1 0 1 2\n", 3, 2, 5,
+         "Warning: t.swc: 1 line(s) repeat an id read before (the first in line 4); each replaces the "
+         "earlier "
+         "point, whose parent keeps counting it as a child."},
+        {"1 1 0 0 0 1 -1\n8 3 1 0 0 1 7\n9 3 2 0 0 1 7\n", 4, 2, 4,
+         "Warning: t.swc: 1 parent id(s) have no line of their own (the first: 7); each becomes a point at "
+         "the "
+         "origin with radius 0 and type 0.\nWarning point (0.000000,0.000000,0.000000) is isolated ..."},
+        {"1 1 5 6 7 1 -1\n", 1, 0, 0, "Warning point (5.000000,6.000000,7.000000) is isolated ..."},
+        {"", 0, 0, 0, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        KxMessageCapture capture;
+        std::unique_ptr<KxSpatialGraph> g = read(c.text);
+        ASSERT_TRUE(g);
+        EXPECT_EQ(messages(capture), c.messages);
+        EXPECT_EQ(g->getNumVertices(), c.vertices);
+        EXPECT_EQ(g->getNumEdges(), c.edges);
+        EXPECT_EQ(g->getTotalNumEdgePoints(), c.points);
+        expectConsistent(*g);
+    }
+}
+
+TEST(SpatialGraphSWCTest, RunsGoFromTheLeavesToTheRootInIdTableOrder) {
+    struct Case {
+        const char* text;
+        std::vector<Vec3f> coords;
+        std::vector<std::vector<Vec3f>> points;
+        std::vector<std::vector<float>> radii;
+        std::vector<std::vector<int>> types;
+    } cases[] = {
+        // A root with one child: the run ends with the root's point twice.
+        {"1 1 0 0 0 3 -1\n2 3 1 0 0 2 1\n3 3 2 0 0 1 2\n",
+         {{2, 0, 0}, {0, 0, 0}},
+         {{{2, 0, 0}, {1, 0, 0}, {0, 0, 0}, {0, 0, 0}}},
+         {{1, 2, 3, 3}},
+         {{3, 3, 1, 1}}},
+        // Unsorted ids: records in order of first appearance 5, 4, 1, -1, 6.
+        {"5 3 2 0 0 0.5 4\n4 3 1 0 0 0.75 1\n1 1 0 0 0 2 -1\n6 2 0 1 0 0.25 1\n",
+         {{2, 0, 0}, {0, 0, 0}, {0, 1, 0}},
+         {{{2, 0, 0}, {1, 0, 0}, {0, 0, 0}}, {{0, 1, 0}, {0, 0, 0}}},
+         {{0.5f, 0.75f, 2}, {0.25f, 2}},
+         {{3, 3, 1}, {2, 1}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        std::unique_ptr<KxSpatialGraph> g = read(c.text);
+        ASSERT_TRUE(g);
+        ASSERT_EQ(g->getNumVertices(), static_cast<int>(c.coords.size()));
+        for (int v = 0; v < g->getNumVertices(); ++v) {
+            EXPECT_EQ(g->getVertexCoords(v), c.coords[static_cast<size_t>(v)]) << "vertex " << v;
+        }
+        const PointAttribute* thickness = g->findEdgePointAttribute("thickness");
+        const PointAttribute* topology = g->findEdgePointAttribute("Topology");
+        ASSERT_TRUE(thickness && topology);
+        ASSERT_EQ(g->getNumEdges(), static_cast<int>(c.points.size()));
+        for (int e = 0; e < g->getNumEdges(); ++e) {
+            SCOPED_TRACE(e);
+            const size_t i = static_cast<size_t>(e);
+            EXPECT_EQ(g->getEdgeTarget(e), 1) << "every run ends at the root, vertex 1";
+            ASSERT_EQ(g->getNumEdgePoints(e), static_cast<int>(c.points[i].size()));
+            for (int p = 0; p < g->getNumEdgePoints(e); ++p) {
+                const size_t k = static_cast<size_t>(p);
+                EXPECT_EQ(g->getEdgePoint(e, p), c.points[i][k]);
+                EXPECT_EQ(thickness->getFloatDataAtPoint(e, p), c.radii[i][k]);
+                EXPECT_EQ(topology->getIntDataAtPoint(e, p), c.types[i][k]);
+            }
+        }
+    }
+}
+
+TEST(SpatialGraphSWCTest, TypesBecomeLabelsWithColoursFromOneCounterPerProcess) {
+    const char* text = "1 1 0 0 0 1 -1\n2 4 1 0 0 1 1\n3 2 2 0 0 1 2\n";
+    std::unique_ptr<KxSpatialGraph> first = read(text);
+    std::unique_ptr<KxSpatialGraph> second = read(text);
+    ASSERT_TRUE(first && second);
+    auto colorAt = [](int n) {
+        float hue = static_cast<float>(n) / 6.37f;
+        return SbColor(Color::fromHSV(hue - std::floor(hue), 0.8f, 0.8f));
+    };
+    const GraphAttribute* a = first->findEdgePointAttribute("Topology");
+    SbColor color;
+    ASSERT_TRUE(first->getLabelColor(a, 1, color));
+    int n = 0;
+    while (n < 100000 && colorAt(n) != color) {
+        ++n;
+    }
+    const GraphAttribute* b = second->findEdgePointAttribute("Topology");
+    const char* names[] = {"Label1", "Label4", "Label2"};
+    for (int id = 1; id <= 3; ++id) {
+        SCOPED_TRACE(id);
+        String name;
+        ASSERT_TRUE(second->getLabelName(b, id, name));
+        EXPECT_STREQ(name.getString(), names[id - 1]);
+        ASSERT_TRUE(second->getLabelColor(b, id, color));
+        EXPECT_EQ(color, colorAt(n + 2 + id)) << "the second file continues the first file's colours";
+    }
+    ASSERT_TRUE(second->getLabelColor(b, 0, color));
+    EXPECT_EQ(color, SbColor(0.8f, 0.8f, 0.8f));
+}
+
+// A hand-made graph:  A --e0[3]--> B <--e1[2]-- C, B --e2[2]--> D, E alone.
+std::unique_ptr<KxSpatialGraph> makeWriterGraph(bool withAttributes) {
+    auto g = std::make_unique<KxSpatialGraph>();
+    Vec3f a(0, 0, 0), b(1, 0, 0), c(2, 0, 0), d(1, 1, 0);
+    for (const Vec3f& v : {a, b, c, d, Vec3f(5, 5, 5)}) {
+        g->addVertex(v);
+    }
+    g->addEdge(0, 1, DArray<Vec3f>{a, Vec3f(0.5f, 0, 0), b});
+    g->addEdge(2, 1, DArray<Vec3f>{c, b});
+    g->addEdge(1, 3, DArray<Vec3f>{b, d});
+    if (withAttributes) {
+        auto* ranks = static_cast<EdgeVertexAttribute*>(
+            g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));
+        auto* thickness = static_cast<PointAttribute*>(
+            g->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
+        auto* topology = static_cast<PointAttribute*>(
+            g->addAttribute("Topology", KxSpatialGraph::POINT, PrimType::INT32, 1));
+        const int rank[] = {1, 0, 2};
+        const int types[3][3] = {{1, 3, 3}, {2, 4}, {3, 4}};
+        for (int e = 0; e < 3; ++e) {
+            ranks->setIntDataAtIdx(e, rank[e]);
+            for (int p = 0; p < g->getNumEdgePoints(e); ++p) {
+                thickness->setFloatDataAtPoint(0.25f * static_cast<float>(e * 4 + p + 1), e, p);
+                topology->setIntDataAtPoint(e, p, types[e][p]);
+            }
+        }
+    }
+    return g;
+}
+
+TEST(SpatialGraphSWCTest, WriterWalksFromRankedLinesAndWritesExactColumns) {
+    struct Case {
+        bool withAttributes;
+        const char* text;
+        const char* messages;
+    } cases[] = {
+        {true,
+         " 1 1 0.000000 0.000000 0.000000 0.250000 -1\n"
+         " 2 3 0.500000 0.000000 0.000000 0.500000 1\n"
+         " 3 3 1.000000 0.000000 0.000000 0.750000 2\n"
+         " 4 2 2.000000 0.000000 0.000000 1.250000 3\n"
+         " 5 4 1.000000 1.000000 0.000000 2.500000 3\n"
+         " 6 0 5.000000 5.000000 5.000000 0.0 -1\n",
+         "Warning: Not all segments have rank information specified!\nWarning: Isolated node 4 ..."},
+        {false,
+         " 1 1 0.000000 0.000000 0.000000 1.000000 -1\n"
+         " 2 1 0.500000 0.000000 0.000000 1.000000 1\n"
+         " 3 1 1.000000 0.000000 0.000000 1.000000 2\n"
+         " 4 1 2.000000 0.000000 0.000000 1.000000 3\n"
+         " 5 1 1.000000 1.000000 0.000000 1.000000 3\n"
+         " 6 0 5.000000 5.000000 5.000000 0.0 -1\n",
+         "Warning: Not all segments have rank information specified!\nWarning: Isolated node 4 ..."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.withAttributes);
+        std::unique_ptr<KxSpatialGraph> g = makeWriterGraph(c.withAttributes);
+        KxMessageCapture capture;
+        EXPECT_EQ(write(*g), c.text);
+        EXPECT_EQ(messages(capture), c.messages);
+    }
+    // Without the unranked edge no rank warning: edge 2 (rank 2) is reached from edge 0.
+    std::unique_ptr<KxSpatialGraph> g = makeWriterGraph(true);
+    static_cast<EdgeVertexAttribute*>(g->findEdgeAttribute("Ranks"))->setIntDataAtIdx(1, 1);
+    KxMessageCapture capture;
+    EXPECT_EQ(write(*g).substr(0, 45), " 1 1 0.000000 0.000000 0.000000 0.250000 -1\n ");
+    EXPECT_EQ(messages(capture), "Warning: Isolated node 4 ...");
+}
+
+class SpatialGraphSWCFilesTest : public PackageFormatsTest {
+protected:
+    std::string save(KxSpatialGraph* graph, const char* name) {
+        std::string path = dir_.path(name);
+        const KxFileFormat* format = theFileFormats->findWriter(path.c_str(), graph);
+        EXPECT_TRUE(format && theFileFormats->save(*format, graph, path.c_str()));
+        return path;
+    }
+    static std::string contents(const std::string& path) {
+        KxFileContents file;
+        std::string error;
+        EXPECT_TRUE(file.load(path.c_str(), error)) << error;
+        return std::string(file.data(), file.size());
+    }
+};
+
+// Every fixture loads consistently; its export describes the same tree of
+// samples (re-rooted at the first edge's first point), and so does the
+// export of the export.
+TEST_F(SpatialGraphSWCFilesTest, RealFilesLoadAndSurviveARoundTrip) {
+    struct Case {
+        const char* file;
+        int vertices, edges, points;
+        bool sameSamples;  // false where the reader mends the file (repeats, missing parents, last line)
+    } cases[] = {
+        {"BlueCelluLab/C210401C.swc", 332, 331, 7487, true},
+        {"BlueCelluLab/rr110330_C3_idA.swc", 247, 246, 16923, true},
+        {"MorphIO/disconnected_neurite.swc", 8, 6, 14, true},
+        {"MorphIO/multiple_soma.swc", 8, 6, 14, true},
+        {"MorphIO/neurite_wrong_root_point.swc", 3, 2, 8, true},
+        {"MorphIO/reversed_NRN_neurite_order.swc", 4, 3, 9, true},
+        {"MorphIO/simple-trailing-space.swc", 2, 1, 4, true},
+        {"MorphIO/simple-windows-eol.swc", 7, 6, 14, true},
+        {"MorphIO/simple.swc", 7, 6, 14, true},
+        {"MorphIO/soma_cylinders.swc", 4, 3, 9, true},
+        {"MorphIO/soma_three_points_cylinder.swc", 2, 1, 3, false},
+        {"MorphIO/three_point_soma.swc", 7, 6, 28, true},
+        {"NEURON/c91662.swc", 196, 195, 1704, true},
+        {"NeuroM/Neuron.swc", 86, 85, 931, true},
+        {"NeuroM/Neuron_disconnected_components.swc", 94, 89, 931, true},
+        {"NeuroM/Neuron_missing_ids.swc", 8, 6, 13, false},
+        {"NeuroM/empty_segments.swc", 2, 1, 4, false},
+        {"NeuroM/repeated_id.swc", 3, 2, 7, false},
+        {"NeuroM/sample_disordered.swc", 9, 8, 60, true},
+        {"NeuroM/simple_reversed.swc", 7, 6, 14, true},
+        {"NeuroM/split_soma_two_neurites.swc", 5, 4, 14, true},
+        {"NeuroM/undefined_type.swc", 7, 6, 14, true},
+        {"hoc2swc/CA1.swc", 174, 173, 2589, true},
+        {"hoc2swc/NoTemplate.swc", 3, 2, 27, true},
+        {"hoc2swc/TestCell.swc", 3, 2, 27, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        std::string path = std::string(KORVA_FIXTURES_DIR) + "/external/" + c.file;
+        KxMessageCapture capture;
+        KxSpatialGraph* g = load(path);
+        ASSERT_TRUE(g) << capture.text();
+        EXPECT_EQ(capture.numErrors(), 0) << capture.text();
+        EXPECT_EQ(g->getNumVertices(), c.vertices);
+        EXPECT_EQ(g->getNumEdges(), c.edges);
+        EXPECT_EQ(g->getTotalNumEdgePoints(), c.points);
+        expectConsistent(*g);
+
+        std::string exported = contents(save(g, "once.swc"));
+        KxSpatialGraph* again = load(dir_.path("once.swc"));
+        ASSERT_TRUE(again);
+        expectConsistent(*again);
+        std::string twice = contents(save(again, "twice.swc"));
+        EXPECT_EQ(withoutRoots(sampleLinks(twice)), withoutRoots(sampleLinks(exported)));
+        if (c.sameSamples) {
+            EXPECT_EQ(withoutRoots(sampleLinks(exported)), withoutRoots(sampleLinks(contents(path))));
+        }
+    }
+}
+
+TEST_F(SpatialGraphSWCFilesTest, MissingFileFailsWithoutAddingAnything) {
+    KxMessageCapture capture;
+    int poolSize = theObjectPool->size();
+    EXPECT_EQ(loadSWCToKorva(dir_.path("none.swc").c_str()), 0);
+    EXPECT_EQ(theObjectPool->size(), poolSize);
+    EXPECT_TRUE(capture.contains("Error while opening \"" + dir_.path("none.swc") + "\" ..."));
+    EXPECT_EQ(writeSWC(nullptr, dir_.path("x.swc").c_str()), 0);
+    EXPECT_EQ(writeSWC(read("1 1 0 0 0 1 -1\n")->getSpatialGraphInterface(), dir_.path("no/x.swc").c_str()),
+              0);
+}
+
+TEST(SpatialGraphSWCTest, DeepTreesNeedNoDeepStack) {
+    struct Case {
+        std::string text;
+        int vertices, edges, linesWritten;
+    } cases[] = {
+        // The root with one child is written twice.
+        {MorphologyGenerators::branchingTree(1000000, 1000000), 2, 1, 1000001},
+        // The last spine point has one child: 2 * 200000 - 1 vertices.
+        {MorphologyGenerators::nestedBranches(200000), 399999, 399998, 400000},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.vertices);
+        KxMessageCapture capture;
+        std::unique_ptr<KxSpatialGraph> g = read(c.text);
+        ASSERT_TRUE(g);
+        EXPECT_EQ(g->getNumVertices(), c.vertices);
+        EXPECT_EQ(g->getNumEdges(), c.edges);
+        std::string text = write(*g);
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), c.linesWritten);
+        std::unique_ptr<KxSpatialGraph> back = read(text);
+        ASSERT_TRUE(back);
+        EXPECT_EQ(back->getTotalNumEdgePoints(), g->getTotalNumEdgePoints() + (c.edges == 1 ? 1 : 0));
+    }
+}
+
+TEST(SpatialGraphSWCTest, NumbersIgnoreTheLocale) {
+    DecimalCommaLocale locale;
+    if (!locale.active()) {
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    }
+    std::unique_ptr<KxSpatialGraph> g = read("1 1 0 0 0 1.5 -1\n2 3 0.5 0.25 0 0.75 1\n");
+    ASSERT_TRUE(g);
+    EXPECT_EQ(g->getVertexCoords(0), Vec3f(0.5f, 0.25f, 0));
+    EXPECT_EQ(write(*g).substr(0, 45), " 1 3 0.500000 0.250000 0.000000 0.750000 -1\n ");
+}
+
+}  // namespace
