@@ -6,13 +6,7 @@
 set here [file dirname [file normalize [info script]]]
 set neuron [load [file join $here data CA1.swc]]
 
-# "Nodes: 174" and the like: the counts of the graph's info text.
-foreach line [split [$neuron info] \n] {
-    if {[regexp {^(Nodes|Segments|Points):\s+(\d+)} $line -> what count]} {
-        set counts($what) $count
-    }
-}
-puts "$neuron: $counts(Nodes) vertices, $counts(Segments) edges, $counts(Points) points"
+puts "$neuron: [$neuron getNumVertices] vertices, [$neuron getNumEdges] edges, [$neuron getNumEdgePoints] points"
 puts [format "total length: %.2f" [$neuron totalLength]]
 
 save KorvaMesh $neuron CA1.kxm
