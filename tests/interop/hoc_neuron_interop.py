@@ -7,11 +7,13 @@ Usage: hoc_neuron_interop.py KORVA SOURCE_DIR WORK_DIR"""
 import json
 import os
 import random
+import re
 import subprocess
 import sys
 
 NEURON_VIEW = r"""
-import json, sys
+import json
+import re, sys
 from neuron import h
 if h.load_file(sys.argv[1]) != 1:
     sys.exit("NEURON could not load " + sys.argv[1])
@@ -64,7 +66,7 @@ def main():
     checks = {  # what: problem, or "" when fine
         "korva convert": run(korva, "convert", "neuron.hoc", "converted.hoc").stderr,
         "korva load and save": run(korva, "-c", "load neuron.hoc\nsave HOC neuron.hoc saved.hoc").stderr,
-        "korva info": "" if "Segments:   %d" % count in run(korva, "info", "converted.hoc").stdout else "count",
+        "korva info": "" if re.search(r"^Edges: +%d$" % count, run(korva, "info", "converted.hoc").stdout, re.M) else "count",
         "NEURON reads the original": "" if len(original) == count else original,
     }
     for export in ["converted.hoc", "saved.hoc"]:

@@ -49,10 +49,10 @@ def main():
     swc, asc = os.path.join(workdir, "export.swc"), os.path.join(workdir, "export.asc")
     korva(binary, "convert", source, swc)
     korva(binary, "convert", source, asc)
-    report = korva(binary, "-c", "set g [load %s]; puts [$g totalLength]; puts [$g info]" % source).split("\n")
+    report = korva(binary, "-c", "set g [load %s]; puts [$g totalLength]; puts [$g getNumEdges]; "
+                   "puts [$g getNumEdgePoints]" % source).split("\n")
     length = float(report[0])
-    counts = {line.split(":")[0]: int(line.split()[-1]) for line in report[1:] if line.split(":")[0] in
-              ("Nodes", "Segments", "Points")}
+    counts = {"Segments": int(report[1]), "Points": int(report[2])}
     ok = True
 
     sections, points, neuron_length, _ = import3d(swc)

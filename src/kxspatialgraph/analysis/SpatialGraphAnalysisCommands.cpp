@@ -63,15 +63,6 @@ bool parse(KxSpatialGraph& graph, Tcl_Interp* interp, int argc, char** argv, int
     return false;
 }
 
-std::string usageLines() {
-    std::string text;
-    for (const Command& c : kCommands) {
-        text += c.usage;
-        text += '\n';
-    }
-    return text;
-}
-
 void registerCommands() {
     for (const Command& c : kCommands) {
         theClassRegistry->registerCommand("KxSpatialGraph", c.name, c.usage);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include <tcl.h>
 
 class KxSpatialGraph;
@@ -13,8 +11,6 @@ namespace SpatialGraphAnalysisCommands {
 
 // Runs argv[1] if it is one of these commands: true, with the Tcl status in result.
 bool parse(KxSpatialGraph& graph, Tcl_Interp* interp, int argc, char** argv, int& result);
-// One usage line per command, each ending in a newline, for the graph's help.
-std::string usageLines();
 // Makes the command words known to the console's help.
 void registerCommands();
 
