@@ -5,13 +5,11 @@
 #include <vector>
 
 class KorvaMesh;
+class KxSafeFile;
 
 // Writes a KorvaMesh object in the ASCII or binary encoding of
-// docs/korvamesh.md. The bytes go to a temporary file in the target's
-// directory, which is flushed to disk and renamed over the target only when
-// everything was written; on any failure the temporary file is removed, the
-// old file stays as it was and write() answers false after one error line.
-// The new file gets the old one's permissions; a read-only file is refused.
+// docs/korvamesh.md through a KxSafeFile: on any failure the old file stays
+// as it was and write() answers false after one error line.
 class KorvaMeshWriter {
 public:
     explicit KorvaMeshWriter(const KorvaMesh& mesh) : mesh_(mesh) {}
@@ -20,9 +18,6 @@ public:
     void setCompressAll(bool compress) { compressAll_ = compress; }
 
     bool write(const char* filename, bool ascii);
-
-    // Buffered output to the temporary file.
-    class Output;
 
 private:
     // How one array is stored in the binary encoding.
@@ -35,8 +30,8 @@ private:
     bool checkValues() const;
     bool compressArrays(std::vector<Stored>& stored) const;
     std::string header(bool ascii, const std::vector<Stored>& stored) const;
-    void writeBinaryData(Output& out, const std::vector<Stored>& stored) const;
-    void writeAsciiData(Output& out) const;
+    void writeBinaryData(KxSafeFile& out, const std::vector<Stored>& stored) const;
+    void writeAsciiData(KxSafeFile& out) const;
 
     const KorvaMesh& mesh_;
     bool compressAll_ = false;

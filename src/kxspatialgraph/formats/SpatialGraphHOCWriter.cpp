@@ -1,12 +1,10 @@
 // The HOC writer and its connection walk (declared in SpatialGraphHOC.h).
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxSafeFile.h"
 #include "korva/core/KxWorkArea.h"
 #include "kxspatialgraph/formats/SpatialGraphHOC.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
@@ -30,10 +28,10 @@ A* singleValued(A* attribute, PrimType type) {
                                                                                             : nullptr;
 }
 
-// Text written in large pieces; remembers the first write error.
+// Text gathered in large pieces before it goes to the file.
 class HocOutput {
 public:
-    explicit HocOutput(FILE* file) : file_(file) { text_.reserve(kChunk + 4096); }
+    explicit HocOutput(KxSafeFile& file) : file_(file) { text_.reserve(kChunk + 4096); }
 
     std::string& text() { return text_; }
     void flushIfFull() {
@@ -41,17 +39,15 @@ public:
             flush();
         }
     }
-    bool flush() {
-        ok_ = ok_ && std::fwrite(text_.data(), 1, text_.size(), file_) == text_.size();
+    void flush() {
+        file_.write(text_);
         text_.clear();
-        return ok_;
     }
 
 private:
     static constexpr size_t kChunk = 1 << 20;
-    FILE* file_;
+    KxSafeFile& file_;
     std::string text_;
-    bool ok_ = true;
 };
 
 // Section names: "label[i.]" for the i-th edge of a "topology" label, else
@@ -172,9 +168,8 @@ int writeHOC(const KxSpatialGraphInterface* graph, const char* filename) {
         theMsg->printf("Error: No root segments specified!\n");
         return 0;
     }
-    FILE* file = std::fopen(filename, "wb");
-    if (!file) {
-        theMsg->printf("Error: cannot write %s: %s.", filename, std::strerror(errno));
+    KxSafeFile file(filename, "HOC file");
+    if (!file.open()) {
         return 0;
     }
     for (int v = 0; v < graph->doGetNumVertices(); ++v) {
@@ -214,10 +209,6 @@ int writeHOC(const KxSpatialGraphInterface* graph, const char* filename) {
         }
     }
     theWorkArea->stopWorking();
-    bool ok = output.flush();
-    ok = std::fclose(file) == 0 && ok;
-    if (!ok) {
-        theMsg->printf("Error: cannot write %s.", filename);
-    }
-    return ok ? 1 : 0;
+    output.flush();
+    return file.commit() ? 1 : 0;
 }

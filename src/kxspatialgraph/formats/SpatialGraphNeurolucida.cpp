@@ -1,11 +1,9 @@
 #include "kxspatialgraph/formats/SpatialGraphNeurolucida.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <ostream>
 
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxSafeFile.h"
 #include "kxspatialgraph/formats/NeurolucidaStreamer.h"
 #include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
@@ -72,16 +70,12 @@ int saveNeurolucidaASCII(const KxSpatialGraphInterface* graph, const char* filen
         theMsg->printf("Error: no graph to write to %s.", filename);
         return 0;
     }
-    std::ofstream out(filename, std::ios::trunc);
-    if (out) {
-        SpatialGraph2Neurolucida(graph, out);
-        out.flush();
-    }
-    if (!out) {
-        theMsg->printf("Error: cannot write %s: %s.", filename, std::strerror(errno));
+    KxSafeFile file(filename, "Neurolucida file");
+    if (!file.open()) {
         return 0;
     }
-    return 1;
+    SpatialGraph2Neurolucida(graph, file.stream());
+    return file.commit() ? 1 : 0;
 }
 
 int kxspatialgraphWriteNeurolucida(KxData* data, const char* filename) {

@@ -1,16 +1,15 @@
 #include "kxspatialgraph/formats/SpatialGraphSWC.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #include "korva/base/HashTable.h"
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxSafeFile.h"
 #include "korva/core/KxWorkArea.h"
 #include "kxspatialgraph/formats/MorphologyTextWriter.h"
 #include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
@@ -506,16 +505,12 @@ int writeSWC(const KxSpatialGraphInterface* graph, const char* filename) {
         theMsg->printf("Error: no graph to write to %s.", filename);
         return 0;
     }
-    std::ofstream out(filename, std::ios::binary | std::ios::trunc);
-    if (!out) {
-        theMsg->printf("Error: cannot write %s: %s.", filename, std::strerror(errno));
+    KxSafeFile file(filename, "SWC file");
+    if (!file.open()) {
         return 0;
     }
-    if (!writeSWC(graph, out) || !out.flush()) {
-        theMsg->printf("Error: cannot write %s: %s.", filename, std::strerror(errno));
-        return 0;
-    }
-    return 1;
+    writeSWC(graph, file.stream());
+    return file.commit() ? 1 : 0;
 }
 
 int kxspatialgraphReadSWC(const char* filename) {

@@ -1,7 +1,6 @@
 #include "korva/korvamesh/KorvaMeshWriter.h"
 
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -11,6 +10,7 @@
 
 #include "korva/core/KxMessageCapture.h"
 #include "korva/korvamesh/KorvaMeshTestSupport.h"
+#include "support/FileSizeLimit.h"
 
 namespace {
 
@@ -27,21 +27,7 @@ bool startsWithError(const KxMessageCapture& capture, const std::string& start) 
     return capture.lines().size() == 1 && capture.lines()[0].compare(0, start.size(), start) == 0;
 }
 
-// While alive, a file may not grow beyond limit bytes: writing past it
-// raises SIGXFSZ, which ends the process unless the writer handles it.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t limit) {
-        getrlimit(RLIMIT_FSIZE, &old_);
-        rlimit l = old_;
-        l.rlim_cur = limit;
-        setrlimit(RLIMIT_FSIZE, &l);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &old_); }
-
-private:
-    rlimit old_;
-};
+}  // namespace
 
 TEST(KorvaMeshWriterTest, FailedWriteLeavesTheOldFileAndNoTemporary) {
     TempDir dir;
@@ -119,5 +105,3 @@ TEST(KorvaMeshWriterTest, ReplacingAFileKeepsItsPermissionsAndRefusesReadOnlyFil
         EXPECT_EQ(filesIn(dir.path()), 1);
     }
 }
-
-}  // namespace
