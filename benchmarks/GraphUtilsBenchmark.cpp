@@ -28,7 +28,8 @@ std::unique_ptr<KxSpatialGraph> makeGridNetwork(int numLines) {
         g->addEdge(s, t);
     };
     for (int i = 0; g->getNumEdges() < numLines; ++i) {
-        float x = static_cast<float>(i % side), y = static_cast<float>(i / side);
+        const int row = i / side;
+        float x = static_cast<float>(i % side), y = static_cast<float>(row);
         addLine(x, y, x + 1, y);
         if (g->getNumEdges() < numLines) {
             addLine(x, y, x, y + 1);

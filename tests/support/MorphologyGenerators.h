@@ -38,7 +38,8 @@ inline std::string branchingTree(int numPoints, int sectionLength = 50) {
             parent = ((section - 1) / 2 + 1) * sectionLength;
         }
         float x = static_cast<float>(section % 97) + 0.25f * static_cast<float>(k);
-        float y = static_cast<float>(section / 97) - 0.125f * static_cast<float>(k % 7);
+        const int row = section / 97;
+        float y = static_cast<float>(row) - 0.125f * static_cast<float>(k % 7);
         float z = 0.5f * static_cast<float>((static_cast<unsigned>(id) * 7919u) % 13u);
         float radius = 0.25f + 0.125f * static_cast<float>((static_cast<unsigned>(id) * 31u) % 16u);
         appendSWCLine(out, id, section == 0 ? 1 : 2 + section % 3, x, y, z, radius, parent);

@@ -54,7 +54,8 @@ bool KxSafeFile::open() {
     fd_ = ::mkstemp(&temporary_[0]);
     if (fd_ < 0) {
         temporary_.clear();
-        fail("cannot create a temporary file in " + directoryOf(filename_) + " (" + std::strerror(errno) + ")");
+        fail("cannot create a temporary file in " + directoryOf(filename_) + " (" + std::strerror(errno) +
+             ")");
         return false;
     }
     struct sigaction ignore = {};

@@ -340,12 +340,12 @@ KxSpatialGraph* HocParser::takeGraph() {
         }
         points.resize(n);
         for (int i = 0; i < n; ++i) {
-            const float* p = &section.points[static_cast<size_t>(4 * i)];
+            const float* p = &section.points[4 * static_cast<size_t>(i)];
             points[i] = Vec3f(p[0], p[1], p[2]);
         }
         const int e = g.addEdge(ends[0], ends[1], points);
         for (int i = 0; i < n; ++i) {
-            thickness->setFloatDataAtPoint(section.points[static_cast<size_t>(4 * i + 3)], e, i);
+            thickness->setFloatDataAtPoint(section.points[4 * static_cast<size_t>(i) + 3], e, i);
         }
         topology->setIntDataAtIdx(e, arrays_[static_cast<size_t>(section.array)].label);
         if (!section.isChild) {

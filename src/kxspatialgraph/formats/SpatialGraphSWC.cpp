@@ -301,8 +301,9 @@ KxSpatialGraph* SWCReader::build() {
     KxSpatialGraph* graph = new KxSpatialGraph;
     const int numRecords = static_cast<int>(records_.size());
     graph->setSizeHint(numRuns + 1, numRuns, numRecords + 2 * numRuns);
-    radii_.reserve(static_cast<size_t>(numRecords + 2 * numRuns));
-    pointTypes_.reserve(static_cast<size_t>(numRecords + 2 * numRuns));
+    const size_t numPoints = records_.size() + 2 * static_cast<size_t>(numRuns);
+    radii_.reserve(numPoints);
+    pointTypes_.reserve(numPoints);
     // records_ is in the id table's iteration order.
     for (int i = 0; i < numRecords; ++i) {
         SWCRecord& r = records_[static_cast<size_t>(i)];
