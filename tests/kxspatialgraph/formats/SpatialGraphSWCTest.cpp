@@ -64,7 +64,8 @@ std::vector<std::string> sampleLinks(const std::string& text) {
         samples.push_back({id, {key, parent}});
     }
     std::vector<std::string> links;
-    for (const auto& [id, s] : samples) {
+    for (const auto& entry : samples) {
+        const Sample& s = entry.second;
         auto parent = std::find_if(samples.begin(), samples.end(),
                                    [&](const std::pair<int, Sample>& p) { return p.first == s.parent; });
         std::string a = s.key;
