@@ -193,7 +193,8 @@ int addLabelCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char**
     }
     int id = labels->addLabel(parentId, args[2], SbColor(rgb));
     if (id < 0 && labels->getLabelBundle(parentId)) {
-        return KxCommandReply::failf(interp, "Error: Labels nest at most %d levels deep.", KxParamBundle::kMaxDepth);
+        return KxCommandReply::failf(interp, "Error: Labels nest at most %d levels deep.",
+                                     KxParamBundle::kMaxDepth);
     }
     if (id < 0) {
         return KxCommandReply::failf(interp, "Error: Label group %s has no label with id %d.", args[0],
