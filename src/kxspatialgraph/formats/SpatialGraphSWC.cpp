@@ -285,8 +285,8 @@ void SWCReader::addAttributes(KxSpatialGraph* graph) {
     GraphAttribute* thickness = graph->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
     graph->addNewLabelGroup("Topology", false, false, true);
     GraphAttribute* topology = graph->findEdgePointAttribute("Topology");
-    std::memcpy(thickness->dataPtr(), radii_.data(), radii_.size() * sizeof(float));
-    std::memcpy(topology->dataPtr(), pointTypes_.data(), pointTypes_.size() * sizeof(int));
+    std::copy(radii_.begin(), radii_.end(), static_cast<float*>(thickness->dataPtr()));
+    std::copy(pointTypes_.begin(), pointTypes_.end(), static_cast<int*>(topology->dataPtr()));
     graph->parameters().getBundle("Topology")->setColor(Color(0.8f, 0.8f, 0.8f));
     types_.forEach([&](int type, int) {
         graph->addLabel("Topology", 0, String::format("Label%d", type).getString(), nextLabelColor());
