@@ -1,0 +1,42 @@
+#pragma once
+
+#include <vector>
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+
+class KxData;
+class KxSpatialGraph;
+
+// A spatial graph held by Python. The graph lives in the session's object
+// pool, where the console's edit commands and undo stack reach it by its
+// label, until the Python object goes. NumPy views of its storage keep the
+// Python object alive; while one exists, changes of the graph are refused
+// (BufferError, as for a resized bytearray), since a change may move the
+// storage the view reads.
+class PyGraph {
+public:
+    // Takes a graph that is in the pool.
+    explicit PyGraph(KxSpatialGraph* graph);
+    ~PyGraph();
+    PyGraph(const PyGraph&) = delete;
+    PyGraph& operator=(const PyGraph&) = delete;
+
+    KxSpatialGraph& graph() const { return *graph_; }
+
+    // A read-only array over count rows of the given shape's trailing
+    // dimensions at data, which belongs to self's graph: no copy. The array
+    // keeps self alive and counts as a view until it and every array made
+    // from it are gone.
+    static pybind11::array view(pybind11::handle self, const pybind11::dtype& dtype,
+                                const std::vector<pybind11::ssize_t>& shape, const void* data);
+    // Raises BufferError while views exist; `what` names the refused change.
+    void requireNoViews(const char* what) const;
+
+    // The graph Python holds for data, or null.
+    static PyGraph* find(const KxData* data);
+
+private:
+    KxSpatialGraph* graph_;
+    int numViews_ = 0;
+};
