@@ -18,4 +18,5 @@ PYBIND11_MODULE(kxspatialgraph, module) {
                        "from_arrays().");
     bindFiles(module, graph);
     bindArrays(graph);
+    bindBuilding(module);
 }
