@@ -19,4 +19,5 @@ PYBIND11_MODULE(kxspatialgraph, module) {
     bindFiles(module, graph);
     bindArrays(graph);
     bindBuilding(module);
+    bindMeasuring(graph);
 }

@@ -1,0 +1,72 @@
+"""Measuring graphs whose answers are known by hand."""
+import sys
+
+import numpy as np
+import pandas
+import pytest
+
+import kxspatialgraph
+from test_building import build_y
+
+# Two components: a triangle 0-1-2 (a loop) and a separate edge 3-4.
+TRIANGLE_AND_EDGE = dict(
+    vertices=np.array([[0, 0, 0], [3, 0, 0], [0, 4, 0], [10, 10, 10], [10, 10, 12]], np.float32),
+    edges=np.array([[0, 1], [1, 2], [2, 0], [3, 4]]))
+
+
+def test_lengths_and_box_of_the_y():
+    y = build_y()
+    expected = [np.hypot(5, 1) * 2, np.hypot(10, 5), np.hypot(4, 2) + np.hypot(3, 2) + np.hypot(3, 1)]
+    np.testing.assert_allclose(y.edge_lengths(), expected, rtol=1e-6)
+    assert y.total_length() == pytest.approx(sum(expected))
+    np.testing.assert_array_equal(y.bounding_box(), [[0, -5, 0], [20, 5, 0]])
+
+
+def test_components_number_every_vertex_and_edge():
+    found = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE).components()
+    assert found["count"] == 2
+    np.testing.assert_array_equal(found["vertex"], [0, 0, 0, 1, 1])
+    np.testing.assert_array_equal(found["edge"], [0, 0, 0, 1])
+
+
+def test_trees_and_loops():
+    graph = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE)
+    trees = graph.trees()
+    assert [list(t) for t in trees["trees"]] == [[0, 1, 2], [3]]
+    np.testing.assert_array_equal(trees["tree"], [0, 0, 0, 1])
+    loops = graph.loops()
+    assert len(loops["loops"]) == 1 and set(loops["loops"][0]) <= {0, 1, 2}
+    assert set(loops["loopy_lines"]) <= {0, 1, 2} and set(loops["generating_lines"]) <= {0, 1, 2}
+    y_trees = build_y().trees()
+    assert len(y_trees["trees"]) == 1 and build_y().loops()["loops"] == []
+    np.testing.assert_array_equal(y_trees["rank"], [0, 1, 1])
+
+
+def test_tables_are_data_frames_with_a_row_per_element():
+    y = build_y()
+    vertices, edges = y.vertex_table(), y.edge_table()
+    assert isinstance(vertices, pandas.DataFrame)
+    assert list(vertices["node_type"]) == ["ending", "branching", "ending", "ending"]
+    assert list(vertices["degree"]) == [1, 3, 1, 1] and list(vertices["size"]) == [0, 10, 20, 30]
+    assert list(edges["num_points"]) == [3, 2, 4] and list(edges["target"]) == [1, 2, 3]
+    np.testing.assert_allclose(edges["length"], y.edge_lengths())
+
+
+def test_tables_are_dicts_of_arrays_without_pandas(monkeypatch):
+    monkeypatch.setitem(sys.modules, "pandas", None)
+    table = build_y().edge_table()
+    assert isinstance(table, dict)
+    np.testing.assert_array_equal(table["source"], [0, 1, 1])
+
+
+def test_resample_inserts_points_and_refuses_while_viewed():
+    graph = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE)
+    points = graph.points
+    with pytest.raises(BufferError):
+        graph.resample(0.5)
+    del points
+    graph.resample(0.5)
+    np.testing.assert_array_equal(np.diff(graph.offsets)[[0, 3]], [7, 5])  # lengths 3 and 2
+    assert graph.total_length() == pytest.approx(3 + 5 + 4 + 2)
+    with pytest.raises(kxspatialgraph.Error, match="^Error: "):
+        graph.resample(-1)
