@@ -20,4 +20,5 @@ PYBIND11_MODULE(kxspatialgraph, module) {
     bindArrays(graph);
     bindBuilding(module);
     bindMeasuring(graph);
+    bindEditing(module, graph);
 }
