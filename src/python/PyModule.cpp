@@ -21,4 +21,5 @@ PYBIND11_MODULE(kxspatialgraph, module) {
     bindBuilding(module);
     bindMeasuring(graph);
     bindEditing(module, graph);
+    bindRendering(graph);
 }
