@@ -28,8 +28,6 @@ namespace {
 template <typename T>
 using Rows = py::array_t<T, py::array::c_style | py::array::forcecast>;
 
-const char* const kLocationNames[] = {"VERTEX", "EDGE", "POINT"};
-
 // values as a C-contiguous array of count rows: int32 for integers (which
 // must fit), float32 for floats, the type it has otherwise.
 py::array attributeArray(const std::string& name, const py::handle& values, py::ssize_t count) {

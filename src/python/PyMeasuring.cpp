@@ -93,7 +93,10 @@ void numberBits(const BitField& bits, int k, std::vector<int32_t>& index) {
     const uint32_t* words = bits.getWords();
     for (int w = 0; w < bits.getNumWords(); ++w) {
         for (uint32_t word = words[w]; word != 0; word &= word - 1) {
-            index[static_cast<size_t>(32 * w + __builtin_ctz(word))] = k;
+            const size_t i = 32 * static_cast<size_t>(w) + static_cast<size_t>(__builtin_ctz(word));
+            if (i < index.size()) {
+                index[i] = k;
+            }
         }
     }
 }
