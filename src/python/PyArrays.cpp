@@ -1,6 +1,8 @@
 // The graph as NumPy arrays: read-only views of the graph's own storage where
 // it is one flat array of the right layout, copies where it is not.
 
+#include <functional>
+
 #include "python/PyBindings.h"
 #include "python/PyGraph.h"
 #include "python/PyPrimTypes.h"
@@ -23,39 +25,57 @@ int checkedEdge(const KxSpatialGraph& graph, int e) {
     return e < 0 ? e + n : e;
 }
 
+// Every view is made under the library lock: a change in another thread
+// cannot be moving the storage meanwhile.
+py::array lockedView(const std::function<py::array()>& make) {
+    py::array result;
+    PySession::locked([&] { result = make(); });
+    return result;
+}
+
 py::array vertices(py::handle self) {
     const KxSpatialGraph& g = self.cast<PyGraph&>().graph();
-    return PyGraph::view(self, py::dtype("float32"), {g.getNumVertices(), 3}, g.getVertices(0));
+    return lockedView([&] {
+        return PyGraph::view(self, py::dtype("float32"), {g.getNumVertices(), 3}, g.getVertices(0));
+    });
 }
 
 py::array points(py::handle self) {
     const EdgePointsManager& points = self.cast<PyGraph&>().graph().getEdgePointsManager();
-    return PyGraph::view(self, py::dtype("float32"), {points.getTotalNumEdgePoints(), 3},
-                         points.getAllPoints().dataPtr());
+    return lockedView([&] {
+        return PyGraph::view(self, py::dtype("float32"), {points.getTotalNumEdgePoints(), 3},
+                             points.getAllPoints().dataPtr());
+    });
 }
 
 py::array offsets(py::handle self) {
     const DArray<int>& offsets = self.cast<PyGraph&>().graph().getEdgePointsManager().getOffsets();
-    return PyGraph::view(self, py::dtype("int32"), {offsets.size()}, offsets.dataPtr());
+    return lockedView(
+        [&] { return PyGraph::view(self, py::dtype("int32"), {offsets.size()}, offsets.dataPtr()); });
 }
 
 py::array edgePoints(py::handle self, int e) {
     const KxSpatialGraph& g = self.cast<PyGraph&>().graph();
-    int n = 0;
-    const Vec3f* first = g.getEdgePoints(checkedEdge(g, e), n);
-    return PyGraph::view(self, py::dtype("float32"), {n, 3}, first);
+    return lockedView([&] {
+        int n = 0;
+        const Vec3f* first = g.getEdgePoints(checkedEdge(g, e), n);
+        return PyGraph::view(self, py::dtype("float32"), {n, 3}, first);
+    });
 }
 
 // Deliberate: a copy. An edge stores more than its two ends (it is a class
 // of its own), so there is no E x 2 block of ints to view.
 py::array_t<int32_t> edges(const PyGraph& self) {
     const KxSpatialGraph& g = self.graph();
-    py::array_t<int32_t> result({g.getNumEdges(), 2});
-    auto out = result.mutable_unchecked<2>();
-    for (int e = 0; e < g.getNumEdges(); ++e) {
-        out(e, 0) = g.getEdgeSource(e);
-        out(e, 1) = g.getEdgeTarget(e);
-    }
+    py::array_t<int32_t> result;
+    PySession::locked([&] {
+        result = py::array_t<int32_t>({g.getNumEdges(), 2});
+        auto out = result.mutable_unchecked<2>();
+        for (int e = 0; e < g.getNumEdges(); ++e) {
+            out(e, 0) = g.getEdgeSource(e);
+            out(e, 1) = g.getEdgeTarget(e);
+        }
+    });
     return result;
 }
 
@@ -70,10 +90,12 @@ py::array attributeView(py::handle self, const GraphAttribute* a) {
 py::dict attributes(py::handle self, KxSpatialGraph::Location location) {
     const KxSpatialGraph& g = self.cast<PyGraph&>().graph();
     py::dict result;
-    for (int i = 0; i < g.numAttributes(location); ++i) {
-        const GraphAttribute* a = g.attribute(location, i);
-        result[a->getName()] = attributeView(self, a);
-    }
+    PySession::locked([&] {
+        for (int i = 0; i < g.numAttributes(location); ++i) {
+            const GraphAttribute* a = g.attribute(location, i);
+            result[a->getName()] = attributeView(self, a);
+        }
+    });
     return result;
 }
 

@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -204,8 +205,9 @@ bool parseAnswer(const std::string& text, SelectionAnswer& answer) {
 }
 
 py::dict edit(PyGraph& self, const std::string& operation, const py::args& args, const py::kwargs& options) {
-    self.requireNoViews("edit");
-    std::vector<std::string> words = editWords(self, operation, args, options);
+    PyGraph::Change change(self, "edit");
+    std::vector<std::string> words;
+    PySession::locked([&] { words = editWords(self, operation, args, options); });
     SelectionAnswer answer;
     PySession::run([&] {
         std::string result;
@@ -230,10 +232,10 @@ py::dict edit(PyGraph& self, const std::string& operation, const py::args& args,
 std::string undoOrRedo(bool undo) {
     KxUndoStack* stack = findUndoStack(PySession::tcl().interp());
     const KxUndoableCommand* next = undo ? stack->nextUndo() : stack->nextRedo();
-    if (next) {
-        if (PyGraph* graph = PyGraph::find(next->target())) {
-            graph->requireNoViews(undo ? "undo" : "redo");
-        }
+    PyGraph* graph = next ? PyGraph::find(next->target()) : nullptr;
+    std::optional<PyGraph::Change> change;
+    if (graph) {
+        change.emplace(*graph, undo ? "undo" : "redo");
     }
     std::string description;
     PySession::run([&] { return evaluate({undo ? "undo" : "redo"}, description); });

@@ -37,6 +37,9 @@ PyGraph::~PyGraph() {
 py::array PyGraph::view(py::handle self, const py::dtype& dtype, const std::vector<py::ssize_t>& shape,
                         const void* data) {
     PyGraph& graph = self.cast<PyGraph&>();
+    if (graph.numChanges_ > 0) {
+        throw py::buffer_error("The graph is being changed in another thread; no view of it now.");
+    }
     auto* keeper = new ViewKeeper{py::reinterpret_borrow<py::object>(self), &graph.numViews_};
     ++graph.numViews_;
     py::capsule base(keeper, [](void* p) {
@@ -49,12 +52,13 @@ py::array PyGraph::view(py::handle self, const py::dtype& dtype, const std::vect
     return array;
 }
 
-void PyGraph::requireNoViews(const char* what) const {
-    if (numViews_ > 0) {
-        throw py::buffer_error(std::string("Cannot ") + what + ": " + std::to_string(numViews_) +
+PyGraph::Change::Change(PyGraph& graph, const char* what) : graph_(graph) {
+    if (graph.numViews_ > 0) {
+        throw py::buffer_error(std::string("Cannot ") + what + ": " + std::to_string(graph.numViews_) +
                                " NumPy view(s) of this graph still exist; delete them or take copies "
                                "(numpy.array(view)) first.");
     }
+    ++graph.numChanges_;
 }
 
 PyGraph* PyGraph::find(const KxData* data) {

@@ -30,8 +30,20 @@ public:
     // from it are gone.
     static pybind11::array view(pybind11::handle self, const pybind11::dtype& dtype,
                                 const std::vector<pybind11::ssize_t>& shape, const void* data);
-    // Raises BufferError while views exist; `what` names the refused change.
-    void requireNoViews(const char* what) const;
+    // Taken with the GIL held around a change of the graph, before the GIL is
+    // released for it: raises BufferError while views exist (`what` names the
+    // refused change), and while it lives view() refuses, so that no thread
+    // takes a view of storage the change may move.
+    class Change {
+    public:
+        Change(PyGraph& graph, const char* what);
+        ~Change() { --graph_.numChanges_; }
+        Change(const Change&) = delete;
+        Change& operator=(const Change&) = delete;
+
+    private:
+        PyGraph& graph_;
+    };
 
     // The graph Python holds for data, or null.
     static PyGraph* find(const KxData* data);
@@ -39,4 +51,5 @@ public:
 private:
     KxSpatialGraph* graph_;
     int numViews_ = 0;
+    int numChanges_ = 0;
 };

@@ -160,7 +160,7 @@ py::dict loops(const PyGraph& self) {
 }
 
 void resample(PyGraph& self, float maxDistance) {
-    self.requireNoViews("resample");
+    PyGraph::Change change(self, "resample");
     KxSpatialGraph& g = self.graph();
     PySession::run([&] {
         if (!SpatialGraphFunctions::resampleWithMaximumPointDistance(&g, maxDistance)) {
