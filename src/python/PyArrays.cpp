@@ -142,6 +142,12 @@ std::string viewDoc(const char* what) {
 }  // namespace
 
 void bindArrays(PyGraphClass& graph) {
+    graph.def("__repr__", [](const PyGraph& s) {
+        const KxSpatialGraph& g = s.graph();
+        return "<kxspatialgraph.Graph '" + std::string(g.getLabel()) +
+               "': " + std::to_string(g.getNumVertices()) + " vertices, " + std::to_string(g.getNumEdges()) +
+               " edges, " + std::to_string(g.getTotalNumEdgePoints()) + " points>";
+    });
     graph.def_property_readonly("num_vertices", [](const PyGraph& s) { return s.graph().getNumVertices(); });
     graph.def_property_readonly("num_edges", [](const PyGraph& s) { return s.graph().getNumEdges(); });
     graph.def_property_readonly("num_points",
