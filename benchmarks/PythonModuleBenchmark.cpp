@@ -93,8 +93,9 @@ void BM_LoadSWCFromPython(benchmark::State& state) {
 }
 
 void BM_BuildFromArrays(benchmark::State& state) {
+    py::module_& kxspatialgraph = module();  // starts the interpreter
     py::dict scope;
-    scope["kxspatialgraph"] = module();
+    scope["kxspatialgraph"] = kxspatialgraph;
     py::exec(R"(
 import numpy as np
 n, e = 10_000_000, 100_000
