@@ -5,6 +5,7 @@
 
 #include "python/PyBindings.h"
 #include "python/PyGraph.h"
+#include "python/PyIndices.h"
 #include "python/PyPrimTypes.h"
 #include "python/PySession.h"
 #include "korva/core/KxParamBundle.h"
@@ -15,15 +16,6 @@
 namespace py = pybind11;
 
 namespace {
-
-int checkedEdge(const KxSpatialGraph& graph, int e) {
-    const int n = graph.getNumEdges();
-    if (e < -n || e >= n) {
-        throw py::index_error("edge " + std::to_string(e) + " out of range (" + std::to_string(n) +
-                              " edges)");
-    }
-    return e < 0 ? e + n : e;
-}
 
 // Every view is made under the library lock: a change in another thread
 // cannot be moving the storage meanwhile.
@@ -54,11 +46,11 @@ py::array offsets(py::handle self) {
         [&] { return PyGraph::view(self, py::dtype("int32"), {offsets.size()}, offsets.dataPtr()); });
 }
 
-py::array edgePoints(py::handle self, int e) {
+py::array edgePoints(py::handle self, long long e) {
     const KxSpatialGraph& g = self.cast<PyGraph&>().graph();
     return lockedView([&] {
         int n = 0;
-        const Vec3f* first = g.getEdgePoints(checkedEdge(g, e), n);
+        const Vec3f* first = g.getEdgePoints(checkedIndex(e, g.getNumEdges(), "edge"), n);
         return PyGraph::view(self, py::dtype("float32"), {n, 3}, first);
     });
 }

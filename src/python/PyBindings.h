@@ -11,6 +11,7 @@ using PyGraphClass = pybind11::class_<PyGraph>;
 void bindFiles(pybind11::module_& module, PyGraphClass& graph);
 void bindArrays(PyGraphClass& graph);
 void bindBuilding(pybind11::module_& module);
+void bindGraphCopies(PyGraphClass& graph);
 void bindMeasuring(PyGraphClass& graph);
 void bindEditing(pybind11::module_& module, PyGraphClass& graph);
 void bindRendering(PyGraphClass& graph);

@@ -4,6 +4,7 @@
 // checks (edge ends, point counts, label trees, consistency).
 
 #include <climits>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,8 +17,10 @@
 #include "korva/korvamesh/KorvaMesh.h"
 #include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "python/PyBindings.h"
 #include "python/PyGraph.h"
+#include "python/PyIndices.h"
 #include "python/PyPrimTypes.h"
 #include "python/PySession.h"
 
@@ -252,7 +255,52 @@ std::unique_ptr<PyGraph> fromArrays(const py::object& vertices, const py::object
     return std::make_unique<PyGraph>(graph);
 }
 
+// Registers a new graph made from self's under self's label and "suffix".
+std::unique_ptr<PyGraph> derived(const PyGraph& self, const char* suffix,
+                                 const std::function<KxSpatialGraph*(const KxSpatialGraph&)>& make) {
+    KxSpatialGraph* graph = nullptr;
+    PySession::run([&] {
+        graph = make(self.graph());
+        if (graph) {
+            theObjectPool->add(graph, (std::string(self.graph().getLabel()) + suffix).c_str());
+        }
+        return graph != nullptr;
+    });
+    return std::make_unique<PyGraph>(graph);
+}
+
+std::unique_ptr<PyGraph> subgraph(const PyGraph& self, const py::object& vertices, const py::object& edges) {
+    const KxSpatialGraph& g = self.graph();
+    SpatialGraphSelection selection;
+    PySession::locked([&] {
+        selection.resize(g.getNumVertices(), g.getNumEdges());
+        for (int v : checkedIndices(vertices, g.getNumVertices(), "vertex")) {
+            selection.selectVertex(v);
+        }
+        for (int e : checkedIndices(edges, g.getNumEdges(), "edge")) {
+            selection.selectEdge(e);
+        }
+    });
+    return derived(self, "-subgraph",
+                   [&](const KxSpatialGraph& graph) { return graph.getSubgraph(selection); });
+}
+
 }  // namespace
+
+void bindGraphCopies(PyGraphClass& graph) {
+    graph.def(
+        "copy",
+        [](const PyGraph& self) {
+            return derived(self, "-copy", [](const KxSpatialGraph& g) {
+                return static_cast<KxSpatialGraph*>(g.duplicate());
+            });
+        },
+        "A new graph with everything this one holds (attributes, label groups, transformation).");
+    graph.def("subgraph", &subgraph, py::arg("vertices") = py::list(), py::arg("edges") = py::list(),
+              "A new graph of the given vertices and edges (index arrays) with their attributes and "
+              "label groups; an edge keeps its two vertices. The answer of shortest_path() can be passed "
+              "as **path. IndexError for elements that do not exist.");
+}
 
 void bindBuilding(py::module_& module) {
     module.def("from_arrays", &fromArrays, py::arg("vertices"), py::arg("edges"),

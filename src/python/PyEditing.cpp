@@ -21,6 +21,7 @@
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "python/PyBindings.h"
 #include "python/PyGraph.h"
+#include "python/PyIndices.h"
 #include "python/PySession.h"
 
 namespace py = pybind11;
@@ -77,18 +78,9 @@ void addWords(const py::handle& value, std::vector<std::string>& words) {
 // Index arrays of the selection, checked against the graph: an index that
 // does not exist is an IndexError before anything runs.
 std::string indexList(const py::handle& value, int count, const char* what) {
-    auto indices = py::array_t<int64_t, py::array::c_style | py::array::forcecast>::ensure(value);
-    if (!indices || indices.ndim() > 1) {
-        throw py::type_error(std::string(what) + " takes a 1-D array of indices");
-    }
     std::string list;
-    for (py::ssize_t i = 0; i < indices.size(); ++i) {
-        int64_t index = indices.data()[i];
-        if (index < 0 || index >= count) {
-            throw py::index_error(std::string(what) + " " + std::to_string(index) + " out of range (" +
-                                  std::to_string(count) + ")");
-        }
-        list += (i ? " " : "") + number(index);
+    for (int index : checkedIndices(value, count, what)) {
+        list += (list.empty() ? "" : " ") + number(int64_t{index});
     }
     return list;
 }

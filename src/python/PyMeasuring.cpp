@@ -16,6 +16,7 @@
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "python/PyBindings.h"
 #include "python/PyGraph.h"
+#include "python/PyIndices.h"
 #include "python/PySession.h"
 
 namespace py = pybind11;
@@ -159,6 +160,35 @@ py::dict loops(const PyGraph& self) {
     return result;
 }
 
+py::dict selectionArrays(const SpatialGraphSelection& selection) {
+    DArray<int> vertices, edges;
+    for (int v = 0; v < selection.getNumVertices(); ++v) {
+        if (selection.isSelectedVertex(v)) {
+            vertices.append(v);
+        }
+    }
+    for (int e = 0; e < selection.getNumEdges(); ++e) {
+        if (selection.isSelectedEdge(e)) {
+            edges.append(e);
+        }
+    }
+    py::dict result;
+    result["vertices"] = toArray(vertices);
+    result["edges"] = toArray(edges);
+    return result;
+}
+
+py::dict shortestPath(const PyGraph& self, long long from, long long to) {
+    const KxSpatialGraph& g = self.graph();
+    SpatialGraphSelection path;
+    PySession::run([&] {
+        path = g.getShortestPath(checkedIndex(from, g.getNumVertices(), "vertex"),
+                                 checkedIndex(to, g.getNumVertices(), "vertex"));
+        return true;
+    });
+    return selectionArrays(path);
+}
+
 void resample(PyGraph& self, float maxDistance) {
     PyGraph::Change change(self, "resample");
     KxSpatialGraph& g = self.graph();
@@ -261,6 +291,10 @@ void bindMeasuring(PyGraphClass& graph) {
               "Loops of touching edges, largest first: \"loops\" a list of edge index arrays, "
               "\"loopy_lines\" the edges found on cycles, \"generating_lines\" the edges whose "
               "removal opens the loops.");
+    graph.def("shortest_path", &shortestPath, py::arg("source"), py::arg("target"),
+              "The path of fewest edges between two vertices, as ascending index arrays "
+              "\"vertices\" and \"edges\"; both empty when target cannot be reached. IndexError for "
+              "vertices that do not exist.");
     graph.def("resample", &resample, py::arg("max_distance"),
               "Inserts evenly spaced points wherever consecutive points of an edge lie farther apart "
               "than max_distance (point attributes get zeros there). Not undoable: the undo stack "

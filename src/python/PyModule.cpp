@@ -19,6 +19,7 @@ PYBIND11_MODULE(kxspatialgraph, module) {
     bindFiles(module, graph);
     bindArrays(graph);
     bindBuilding(module);
+    bindGraphCopies(graph);
     bindMeasuring(graph);
     bindEditing(module, graph);
     bindRendering(graph);

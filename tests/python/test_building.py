@@ -97,3 +97,13 @@ def test_bad_arrays_are_refused(changes, error, message):
 def test_straight_edge_to_a_missing_vertex_is_an_index_error():
     with pytest.raises(IndexError):
         kxspatialgraph.from_arrays(VERTICES, [[0, 4]])
+
+
+def test_a_copy_holds_everything_and_is_independent():
+    y = build_y()
+    copy = y.copy()
+    assert_same_arrays(arrays_of(copy), arrays_of(y))
+    assert copy.label_groups == y.label_groups and copy.label != y.label
+    copy.edit("delete", edges=[0])
+    assert (copy.num_edges, y.num_edges) == (2, 3)
+    kxspatialgraph.undo()

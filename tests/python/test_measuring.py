@@ -70,3 +70,19 @@ def test_resample_inserts_points_and_refuses_while_viewed():
     assert graph.total_length() == pytest.approx(3 + 5 + 4 + 2)
     with pytest.raises(kxspatialgraph.Error, match="^Error: "):
         graph.resample(-1)
+
+
+def test_shortest_path_and_the_subgraph_along_it():
+    y = build_y()
+    path = y.shortest_path(0, 3)
+    np.testing.assert_array_equal(path["vertices"], [0, 1, 3])
+    np.testing.assert_array_equal(path["edges"], [0, 2])
+    along = y.subgraph(**path)
+    np.testing.assert_array_equal(along.vertices, y.vertices[[0, 1, 3]])
+    np.testing.assert_array_equal(along.edges, [[0, 1], [1, 2]])
+    np.testing.assert_array_equal(along.point_attributes["thickness"], y.point_attributes["thickness"][[0, 1, 2, 5, 6, 7, 8]])
+    assert along.label_groups == y.label_groups
+    unreachable = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE).shortest_path(0, 4)
+    assert len(unreachable["vertices"]) == 0 and len(unreachable["edges"]) == 0
+    with pytest.raises(IndexError):
+        y.shortest_path(0, 4)

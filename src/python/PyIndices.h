@@ -1,0 +1,12 @@
+#pragma once
+
+#include <vector>
+
+#include <pybind11/pybind11.h>
+
+// Index arguments from Python: a 1-D array-like of integers, each in
+// 0 .. count - 1, else IndexError (TypeError for something else); `what`
+// names the elements in the message ("vertex").
+std::vector<int> checkedIndices(const pybind11::handle& value, int count, const char* what);
+// One index, counted from the end when negative, as Python does.
+int checkedIndex(long long index, int count, const char* what);
