@@ -104,3 +104,15 @@ def test_damaged_file_raises_and_failed_save_keeps_the_old_file(neuron, tmp_path
     with pytest.raises(kxspatialgraph.Error):
         neuron.save(str(target))
     assert target.read_text() == "old contents\n"
+
+
+def test_threads_share_the_library_one_call_at_a_time(neuron_path, neuron):
+    from concurrent.futures import ThreadPoolExecutor
+
+    def load_and_measure(_):
+        graph = kxspatialgraph.load(str(neuron_path))
+        return graph.total_length(), float(np.array(graph.points).sum())
+
+    with ThreadPoolExecutor(4) as pool:
+        results = set(pool.map(load_and_measure, range(16)))
+    assert results == {(neuron.total_length(), float(np.array(neuron.points).sum()))}
