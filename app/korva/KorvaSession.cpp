@@ -18,6 +18,7 @@
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
+#include "korva/modules/KxSessionState.h"
 #include "korva/core/KxPackageLoader.h"
 #include "korva/core/KxTclInterpreter.h"
 
@@ -60,6 +61,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     Tcl_FindExecutable(argv0);
     tcl_.reset(new KxTclInterpreter(*theObjectPool));
     installConsoleCommands(*tcl_);
+    KxSessionState::installCommands(*tcl_);
     // Lines from `puts` and from the message console must come out in the
     // order they were written, also into a pipe.
     tcl_->eval("fconfigure stdout -buffering line");

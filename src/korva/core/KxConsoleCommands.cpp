@@ -152,6 +152,7 @@ std::string helpText() {
         "  all ?CLASS?              labels of the objects in the pool\n"
         "  create CLASS ?LABEL?     create an object of a registered class\n"
         "  undo, redo               take back or repeat the newest edit of the session\n"
+        "  saveState FILE           write a script that recreates the session (source FILE)\n"
         "  help                     this text\n"
         "  quit ?CODE?              end the session\n"
         "  {label} command ?args?   a command of an object ({label} help lists them all)\n";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 struct Tcl_Interp;
@@ -33,6 +34,14 @@ public:
     // Adds the object's report lines ("Data Class:", counts, ...).
     virtual void info(KxInfoTags& tags) const;
 
+    // A token that expires when the object is deleted: whoever keeps a plain
+    // pointer to an object it does not own (a connection, a result slot)
+    // checks it before using the pointer.
+    std::weak_ptr<const void> lifetime() const { return alive_; }
+    // An interface the object offers besides its classes (e.g. a graph's
+    // read-only interface), or null. The base offers none.
+    virtual void* getInterface(const char* /*name*/) const { return nullptr; }
+
 protected:
     // Prints and fails with "Error: Object {label} has no command "cmd"; ...":
     // what parse does with a command nobody understood.
@@ -40,4 +49,5 @@ protected:
 
 private:
     std::string label_;
+    std::shared_ptr<const void> alive_ = std::make_shared<int>(0);
 };

@@ -66,6 +66,12 @@ bool KxSpatialGraph::isOfType(const char* typeName) const {
     return std::strcmp(typeName, "KxSpatialGraph") == 0 || KxSpatialData::isOfType(typeName);
 }
 
+void* KxSpatialGraph::getInterface(const char* name) const {
+    bool asked = std::strcmp(name, "KxSpatialGraphInterface") == 0 ||
+                 std::strcmp(name, "KxSpatialGraphInterfaceImpl") == 0;
+    return asked ? interface_ : nullptr;
+}
+
 bool KxSpatialGraph::hasEdge(int u, int v) const {
     for (int e : incidence_[u]) {
         if (edges_[e].getSource() == v || edges_[e].getTarget() == v) {

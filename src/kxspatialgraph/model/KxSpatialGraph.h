@@ -50,6 +50,8 @@ public:
 
     const char* getTypeName() const override { return "KxSpatialGraph"; }
     bool isOfType(const char* typeName) const override;
+    // The read-only interface for "KxSpatialGraphInterface" (and its Impl).
+    void* getInterface(const char* name) const override;
 
     // ---- Queries -------------------------------------------------------
 
