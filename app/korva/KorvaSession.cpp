@@ -13,14 +13,16 @@
 
 #include "korva/core/KxApplication.h"
 #include "korva/core/KxConsoleCommands.h"
+#include "korva/core/KxData.h"
 #include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
-#include "korva/modules/KxSessionState.h"
 #include "korva/core/KxPackageLoader.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "korva/data/KxSpreadSheet.h"
+#include "korva/modules/KxSessionState.h"
 
 namespace {
 
@@ -62,6 +64,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     tcl_.reset(new KxTclInterpreter(*theObjectPool));
     installConsoleCommands(*tcl_);
     KxSessionState::installCommands(*tcl_);
+    KxSpreadSheet::registerClass();
     // Lines from `puts` and from the message console must come out in the
     // order they were written, also into a pipe.
     tcl_->eval("fconfigure stdout -buffering line");
@@ -207,4 +210,18 @@ int KorvaSession::runConsole() {
             return 1;
         }
     }
+}
+
+KxData* KorvaSession::loadFirst(const char* file, const char* className, const char* what) {
+    std::vector<KxObject*> created;
+    if (!theFileFormats->load(file, created, *theObjectPool)) {
+        return nullptr;
+    }
+    for (KxObject* object : created) {
+        if (object->isOfType(className)) {
+            return static_cast<KxData*>(object);
+        }
+    }
+    theMsg->printf("Error: %s holds no %s.", file, what);
+    return nullptr;
 }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+class KxData;
 class KxTclInterpreter;
 
 // One run of the korva executable: the Tcl interpreter on the session's
@@ -29,6 +30,10 @@ public:
     // 0, or 1 when a file cannot be loaded or its reader printed an "Error: "
     // line (a damaged file that still loads).
     int loadAndDescribe(int count, char** paths);
+
+    // Loads file and answers the first object it holds of class className;
+    // null after an "Error: " line (reading failed, or "FILE holds no WHAT.").
+    static KxData* loadFirst(const char* file, const char* className, const char* what);
 
     // Prints a failed evaluation: the message (unless a command printed it
     // already as its "Error: " or "USAGE: " line) and Tcl's trace of where it happened.

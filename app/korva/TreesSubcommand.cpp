@@ -55,19 +55,8 @@ int runTrees(KorvaSession&, int argc, char** argv) {
     if (!file) {
         return usage();
     }
-    std::vector<KxObject*> created;
-    if (!theFileFormats->load(file, created, *theObjectPool)) {
-        return 1;
-    }
-    KxData* graph = nullptr;
-    for (KxObject* object : created) {
-        if (object->isOfType("KxSpatialGraph")) {
-            graph = static_cast<KxData*>(object);
-            break;
-        }
-    }
+    KxData* graph = KorvaSession::loadFirst(file, "KxSpatialGraph", "spatial graph");
     if (!graph) {
-        theMsg->printf("Error: %s holds no spatial graph.", file);
         return 1;
     }
     const KxFileFormat* format = out ? theFileFormats->findWriter(out, graph) : nullptr;

@@ -1,6 +1,9 @@
 #include "kxspatialgraph/KxSpatialGraphPackage.h"
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/data/KxSpreadSheet.h"
+#include "korva/modules/KxModule.h"
+#include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
 #include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
@@ -26,6 +29,10 @@ extern "C" int korvapackage_kxspatialgraph_init() {
                              "KxSpatialGraphSelectionInterface", "KxSpatialGraphSelectionInterfaceImpl"}) {
         theClassRegistry->registerClass(name, "kxspatialgraph", nullptr);
     }
+    // The host classes the package's modules work with, unless the host registered them.
+    KxModule::registerClasses();
+    KxSpreadSheet::registerClass();
+    KxSpatialGraphStats::registerClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }

@@ -111,10 +111,13 @@ int KxConnection::parse(Tcl_Interp* interp, int argc, char** argv) {
         return parseGetValue(interp, 0, nullptr);
     }
     if (std::strcmp(cmd, "setValue") != 0 && std::strcmp(cmd, "getValue") != 0) {
-        return KxCommandReply::usage(
-            interp, (std::string(getName()) + " connect object | disconnect | source").c_str());
+        return KxCommandReply::usage(interp, usage().c_str());
     }
     return KxPort::parse(interp, argc, argv);
+}
+
+std::string KxConnection::usage() const {
+    return std::string(getName()) + " connect object | disconnect | source";
 }
 
 void KxConnection::save(std::string& out, const char* moduleLabel) const {

@@ -35,6 +35,7 @@ public:
     void* getSourceInterface(const char* name) const;
 
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
+    std::string usage() const override;
     void save(std::string& out, const char* moduleLabel) const override;
 
 protected:

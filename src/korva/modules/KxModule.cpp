@@ -53,6 +53,16 @@ int KxModule::parse(Tcl_Interp* interp, int argc, char** argv) {
         fire();
         return TCL_OK;
     }
+    if (std::strcmp(cmd, "help") == 0 && argc == 2) {
+        // The class's commands, then those of each port.
+        KxObject::parse(interp, argc, argv);
+        std::string text = Tcl_GetStringResult(interp);
+        for (const KxPort* port : ports_) {
+            text += port->usage() + "\n";
+        }
+        Tcl_SetObjResult(interp, Tcl_NewStringObj(text.c_str(), -1));
+        return TCL_OK;
+    }
     if (KxPort* port = argc >= 2 ? findPort(cmd) : nullptr) {
         int result = port->parse(interp, argc - 1, argv + 1);
         if (result == TCL_OK && anyPortNew()) {
@@ -84,9 +94,5 @@ void KxModule::registerClasses() {
     }
     theClassRegistry->registerClass("KxModule", "korva", nullptr);
     theClassRegistry->registerCommand("KxModule", "fire", "fire");
-    theClassRegistry->registerCommand("KxModule", "{port}",
-                                      "{port} setValue ?index? value... | getValue ?index?");
-    theClassRegistry->registerCommand("KxModule", "{connection}",
-                                      "{connection} connect object | disconnect | source");
     theClassRegistry->registerClass("KxCompModule", "korva", nullptr);
 }

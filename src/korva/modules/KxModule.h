@@ -14,7 +14,8 @@ class KxPort;
 // then every port's "new" flag is cleared and its buttons released.
 // Console (the default parse): `{module} {port} setValue ...` / getValue /
 // what the port adds, which fires the module when a value changed;
-// `{module} {connection} connect {object}`; `{module} fire`.
+// `{module} {connection} connect {object}`; `{module} fire`; `help` adds
+// the commands of every port to those of the class.
 // savePorts() writes the console lines that restore the ports.
 class KxModule : public KxObject {
     // Declared before portData, which registers itself here when it is built.

@@ -29,8 +29,11 @@ int KxPort::parse(Tcl_Interp* interp, int argc, char** argv) {
     if (std::strcmp(cmd, "getValue") == 0) {
         return parseGetValue(interp, argc - 2, argv + 2);
     }
-    std::string usage = name_ + " setValue " + setValueUsage() + " | getValue ?index?";
-    return KxCommandReply::usage(interp, usage.c_str());
+    return KxCommandReply::usage(interp, usage().c_str());
+}
+
+std::string KxPort::usage() const {
+    return name_ + " setValue " + setValueUsage() + " | getValue ?index?";
 }
 
 void KxPort::save(std::string& /*out*/, const char* /*moduleLabel*/) const {}

@@ -36,6 +36,8 @@ public:
     // `{module} {port} ...` with argv[0] the port's name: setValue, getValue
     // and what the port adds. Fails with a usage line for anything else.
     virtual int parse(Tcl_Interp* interp, int argc, char** argv);
+    // The port's console commands, e.g. "factor setValue value | getValue ?index?".
+    virtual std::string usage() const;
     // Appends the console lines that restore the port ("{module} {port} setValue ...\n");
     // ports without a lasting value write nothing.
     virtual void save(std::string& out, const char* moduleLabel) const;

@@ -48,6 +48,10 @@ int KxPortFloatSlider::parse(Tcl_Interp* interp, int argc, char** argv) {
     return KxPort::parse(interp, argc, argv);
 }
 
+std::string KxPortFloatSlider::usage() const {
+    return KxPort::usage() + " | setMinMax min max | getMinMax";
+}
+
 void KxPortFloatSlider::save(std::string& out, const char* moduleLabel) const {
     out += std::string("{") + moduleLabel + "} {" + getName() + "} setMinMax " + formatFloat(min_) + " " +
            formatFloat(max_) + "\n";

@@ -18,6 +18,7 @@ public:
     void setMinMax(float minValue, float maxValue);
 
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
+    std::string usage() const override;
     void save(std::string& out, const char* moduleLabel) const override;
 
 protected:

@@ -269,6 +269,18 @@ TEST_F(KorvaTest, LoadAndSaveFromAScript) {
     EXPECT_NE(help.out.find("  KxTestNote\n"), std::string::npos) << help.out;
 }
 
+TEST_F(KorvaTest, StatsWritesTheTablesAsCsvToStdoutOrAFile) {
+    write("cell.swc", "1 1 0 0 0 1 -1\n2 3 2 0 0 1 1\n");
+    const char* expected = "Segment Statistics\nSegment ID,Length,Mean Radius,Volume\n0,2,1,6.2831855\n";
+    KorvaRun toStdout = korva({"stats", "cell.swc"});
+    EXPECT_EQ(toStdout.status, 0) << toStdout.err;
+    EXPECT_EQ(toStdout.out, expected);
+    KorvaRun toFile = korva({"stats", "cell.swc", "-o", "cell.csv"});
+    EXPECT_EQ(toFile.status, 0) << toFile.err;
+    EXPECT_EQ(readFile(dir_.path("cell.csv")), expected);
+    EXPECT_EQ(korva({"stats"}).status, 2);
+}
+
 TEST_F(KorvaTest, UsageListsTheSubcommands) {
     KorvaRun run = korva({"--help"});
     EXPECT_EQ(run.status, 0);
