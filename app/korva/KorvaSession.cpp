@@ -21,6 +21,7 @@
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxPackageLoader.h"
 #include "korva/core/KxTclInterpreter.h"
+#include "korva/data/KxColormap.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/modules/KxSessionState.h"
 
@@ -65,6 +66,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     installConsoleCommands(*tcl_);
     KxSessionState::installCommands(*tcl_);
     KxSpreadSheet::registerClass();
+    KxColormap::registerClass();
     // Lines from `puts` and from the message console must come out in the
     // order they were written, also into a pipe.
     tcl_->eval("fconfigure stdout -buffering line");

@@ -1,6 +1,7 @@
 #include "kxspatialgraph/KxSpatialGraphPackage.h"
 
 #include "korva/core/KxClassRegistry.h"
+#include "korva/data/KxColormap.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/modules/KxModule.h"
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
@@ -32,6 +33,7 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     // The host classes the package's modules work with, unless the host registered them.
     KxModule::registerClasses();
     KxSpreadSheet::registerClass();
+    KxColormap::registerClass();
     KxSpatialGraphStats::registerClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;

@@ -2,16 +2,27 @@
 
 #include <Inventor/SbColor.h>
 
+#include "korva/modules/KxConnection.h"
+
 class KxColormap;
 
-// Where a module takes colours for data values from: a colormap (borrowed,
-// may be null) read over its own range or over a local range of the port,
-// and a constant colour used when no colormap is attached. Minimal host port.
-class KxPortColormap {
+// Where a module takes colours for data values from: a connection to a
+// colormap (the pool's default colormap, if there is one, when the port is
+// made), a constant colour used when none is connected, and an optional
+// local range that replaces the colormap's own. Console, besides those of a
+// connection: setDefaultColor R G B, setLocalRange 0|1 ?MIN MAX?,
+// getLocalRange; all three are saved.
+class KxPortColormap : public KxConnection {
 public:
-    void setColormap(const KxColormap* colormap) { colormap_ = colormap; }
-    const KxColormap* getColormap() const { return colormap_; }
-    void setDefaultColor(const SbColor& color) { defaultColor_ = color; }
+    explicit KxPortColormap(KxModule* owner = nullptr, const char* name = "colormap",
+                            const char* label = "Colormap");
+
+    // Connects a colormap of the pool; one outside the pool (a fixed table of
+    // the caller, which must outlive its use here) is borrowed without
+    // change notification. Null disconnects.
+    void setColormap(const KxColormap* colormap);
+    const KxColormap* getColormap() const;
+    void setDefaultColor(const SbColor& color);
     const SbColor& getDefaultColor() const { return defaultColor_; }
     // A local range replaces the colormap's own range.
     void setLocalRange(bool on, float minCoord = 0.0f, float maxCoord = 1.0f);
@@ -19,10 +30,15 @@ public:
     float getMinValue() const;
     float getMaxValue() const;
 
+    // The colormap's colour at value over the port's range, or the constant colour.
     SbColor getColor(float value) const;
 
+    int parse(Tcl_Interp* interp, int argc, char** argv) override;
+    std::string usage() const override;
+    void save(std::string& out, const char* moduleLabel) const override;
+
 private:
-    const KxColormap* colormap_ = nullptr;
+    const KxColormap* borrowed_ = nullptr;
     SbColor defaultColor_ = SbColor(0.8f, 0.8f, 0.8f);
     bool localRange_ = false;
     float localMin_ = 0.0f;

@@ -2,7 +2,13 @@
 
 #include <cmath>
 
+#include <string>
+#include <vector>
+
+#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/core/KxObjectPool.h"
 #include "korva/data/KxColormap.h"
+#include "support/TempDir.h"
 
 TEST(KxColormapTest, InterpolatesOverTheRangeAndClampsOutside) {
     // Black, red, white over [10, 20].
@@ -30,4 +36,29 @@ TEST(KxColormapTest, EntriesCanBeSetAndResized) {
     colormap.setEntry(9, SbColor(1, 1, 1));  // out of range: ignored
     EXPECT_EQ(colormap.getColorAtFraction(2.0f / 3.0f), SbColor(0, 0, 1));
     EXPECT_EQ(colormap.getEntry(2)[3], 0.5f);
+}
+
+TEST(KxColormapTest, DefaultIsA256EntryGreyRampAndKorvaMeshKeepsEntriesAndRange) {
+    KxColormap grey;
+    ASSERT_EQ(grey.getNumEntries(), 256);
+    EXPECT_EQ(grey.getColor(1.0f), SbColor(1, 1, 1));
+    EXPECT_FLOAT_EQ(grey.getEntry(51)[0], 0.2f);
+
+    KxColormap::registerClass();
+    const float rgba[] = {0, 0, 1, 1, 1, 0.5f, 0, 0.25f};
+    KxColormap colormap(2, rgba, -3.0f, 7.5f);
+    TempDir dir;
+    std::string path = dir.path("ramp.kxm");
+    ASSERT_EQ(colormap.saveKorvaMesh(path.c_str()), 1);
+    std::vector<KxObject*> created;
+    ASSERT_TRUE(theFileFormats->load(path.c_str(), created, *theObjectPool));
+    ASSERT_EQ(created.size(), 1u);
+    auto* read = dynamic_cast<KxColormap*>(created[0]);
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->getNumEntries(), 2);
+    EXPECT_EQ(std::vector<float>(read->getEntry(0), read->getEntry(0) + 8),
+              std::vector<float>(rgba, rgba + 8));
+    EXPECT_EQ(read->getMinCoord(), -3.0f);
+    EXPECT_EQ(read->getMaxCoord(), 7.5f);
+    theObjectPool->clear();
 }
