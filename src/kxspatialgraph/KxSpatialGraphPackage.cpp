@@ -4,6 +4,7 @@
 #include "korva/data/KxColormap.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/modules/KxModule.h"
+#include "kxspatialgraph/analysis/KxComputeDistanceToPoint.h"
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
@@ -35,6 +36,7 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     KxSpreadSheet::registerClass();
     KxColormap::registerClass();
     KxSpatialGraphStats::registerClass();
+    KxComputeDistanceToPoint::registerClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }

@@ -61,8 +61,14 @@ bool KxConnection::connect(KxObject* source) {
     }
     detach();
     attach(source);
+    newSource_ = true;
     touch();
     return true;
+}
+
+void KxConnection::untouch() {
+    KxPort::untouch();
+    newSource_ = false;
 }
 
 KxObject* KxConnection::getSource() const {

@@ -31,6 +31,10 @@ public:
     T* getSource() const {
         return dynamic_cast<T*>(getSource());
     }
+    // Whether the connection got another source (not just a change of the
+    // same one) since the owner last computed.
+    bool isNewSource() const { return newSource_; }
+    void untouch() override;
     // The named interface of the source (see KxObject::getInterface), or null.
     void* getSourceInterface(const char* name) const;
 
@@ -53,5 +57,6 @@ private:
     KxObject* source_ = nullptr;
     std::weak_ptr<const void> sourceAlive_;
     int listenerId_ = -1;
+    bool newSource_ = false;
     int poolObserverId_ = -1;
 };
