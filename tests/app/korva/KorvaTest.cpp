@@ -281,6 +281,26 @@ TEST_F(KorvaTest, StatsWritesTheTablesAsCsvToStdoutOrAFile) {
     EXPECT_EQ(korva({"stats"}).status, 2);
 }
 
+TEST_F(KorvaTest, DistanceSavesTheDistancesAlongTheGraph) {
+    // One edge of points (5,0,0) (2,0,0) (0,0,0) (0,0,0): the root's point is doubled.
+    write("line.swc", "1 1 0 0 0 1 -1\n2 3 2 0 0 1 1\n3 3 5 0 0 1 2\n");
+    const char* print =
+        "set g [load out.kxm]; foreach p {0 1 2 3} {puts [$g getValue POINT DistanceToPoint 0 $p]}";
+    for (const std::vector<std::string>& reference :
+         {std::vector<std::string>{"--ref", "2.1", "0", "0"},
+          std::vector<std::string>{"--edge", "0", "--point", "1"}}) {
+        std::vector<std::string> args = {"distance", "line.swc", "-o", "out.kxm"};
+        args.insert(args.end(), reference.begin(), reference.end());
+        KorvaRun run = korva(args);
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(korva({"-c", print}).out, "3\n0\n2\n2\n");
+    }
+    KorvaRun bad = korva({"distance", "line.swc", "--edge", "0", "--point", "9", "-o", "bad.kxm"});
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.err.substr(0, 46), "Error: invalid point number 9, should be 0..3\n");
+    EXPECT_EQ(korva({"distance", "line.swc", "--edge", "0", "-o", "x.kxm"}).status, 2);
+}
+
 TEST_F(KorvaTest, UsageListsTheSubcommands) {
     KorvaRun run = korva({"--help"});
     EXPECT_EQ(run.status, 0);
