@@ -22,6 +22,7 @@
 #include "korva/core/KxPackageLoader.h"
 #include "korva/core/KxTclInterpreter.h"
 #include "korva/data/KxColormap.h"
+#include "korva/data/KxLineSet.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/modules/KxSessionState.h"
 
@@ -67,6 +68,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     KxSessionState::installCommands(*tcl_);
     KxSpreadSheet::registerClass();
     KxColormap::registerClass();
+    KxLineSet::registerClass();
     // Lines from `puts` and from the message console must come out in the
     // order they were written, also into a pipe.
     tcl_->eval("fconfigure stdout -buffering line");

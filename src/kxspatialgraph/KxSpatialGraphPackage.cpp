@@ -2,8 +2,11 @@
 
 #include "korva/core/KxClassRegistry.h"
 #include "korva/data/KxColormap.h"
+#include "korva/data/KxLineSet.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/modules/KxModule.h"
+#include "kxspatialgraph/analysis/CastKxLineSetToKxSpatialGraph.h"
+#include "kxspatialgraph/analysis/CastKxSpatialGraphToKxLineSet.h"
 #include "kxspatialgraph/analysis/KxComputeDistanceToPoint.h"
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
@@ -37,6 +40,9 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     KxColormap::registerClass();
     KxSpatialGraphStats::registerClass();
     KxComputeDistanceToPoint::registerClass();
+    KxLineSet::registerClass();
+    CastKxLineSetToKxSpatialGraph::registerClass();
+    CastKxSpatialGraphToKxLineSet::registerClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }
