@@ -24,6 +24,7 @@
 #include "korva/data/KxColormap.h"
 #include "korva/data/KxLineSet.h"
 #include "korva/data/KxSpreadSheet.h"
+#include "korva/data/KxUniformLabelField3.h"
 #include "korva/modules/KxSessionState.h"
 
 namespace {
@@ -69,6 +70,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     KxSpreadSheet::registerClass();
     KxColormap::registerClass();
     KxLineSet::registerClass();
+    KxUniformLabelField3::registerClass();
     // Lines from `puts` and from the message console must come out in the
     // order they were written, also into a pipe.
     tcl_->eval("fconfigure stdout -buffering line");

@@ -4,10 +4,12 @@
 #include "korva/data/KxColormap.h"
 #include "korva/data/KxLineSet.h"
 #include "korva/data/KxSpreadSheet.h"
+#include "korva/data/KxUniformLabelField3.h"
 #include "korva/modules/KxModule.h"
 #include "kxspatialgraph/analysis/CastKxLineSetToKxSpatialGraph.h"
 #include "kxspatialgraph/analysis/CastKxSpatialGraphToKxLineSet.h"
 #include "kxspatialgraph/analysis/KxComputeDistanceToPoint.h"
+#include "kxspatialgraph/analysis/KxLabelSpatialGraph.h"
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
@@ -43,6 +45,8 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     KxLineSet::registerClass();
     CastKxLineSetToKxSpatialGraph::registerClass();
     CastKxSpatialGraphToKxLineSet::registerClass();
+    KxUniformLabelField3::registerClass();
+    KxLabelSpatialGraph::registerClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }

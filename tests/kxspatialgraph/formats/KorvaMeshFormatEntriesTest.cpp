@@ -107,13 +107,13 @@ TEST_F(KorvaMeshFormatEntriesTest, DispatchesByContent) {
 
     // Other content is refused by name.
     KorvaMesh other;
-    other.getParameters().setString("ContentType", "KxLineSet");
-    path = dir_.path("lines.kxm");
+    other.getParameters().setString("ContentType", "KxSurface");
+    path = dir_.path("surface.kxm");
     ASSERT_EQ(other.write(path.c_str(), 1), 1);
     capture.clear();
     EXPECT_FALSE(load(path));
     EXPECT_TRUE(capture.contains("Error: KorvaMesh file " + path +
-                                 " holds content type \"KxLineSet\", which no reader of this package reads."))
+                                 " holds content type \"KxSurface\", which no reader of this package reads."))
         << capture.text();
 }
 
