@@ -9,7 +9,7 @@
 
 #include "korva/core/KxClassRegistry.h"
 #include "korva/core/KxCommandReply.h"
-#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/data/KxKorvaMeshContent.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/korvamesh/KorvaMesh.h"
@@ -119,10 +119,7 @@ int KxColormap::readKorvaMesh(const char* filename) {
     }
     auto n = static_cast<int>(rgba->getLocation()->getSize());
     auto* colormap = new KxColormap(n, static_cast<const float*>(rgba->getValues()), range[0], range[1]);
-    colormap->setLoadCmd(filename);
-    std::string name = filename;
-    theObjectPool->add(colormap, name.substr(name.rfind('/') + 1).c_str());
-    return 1;
+    return KxKorvaMeshContent::addLoaded(colormap, filename);
 }
 
 int KxColormap::parse(Tcl_Interp* interp, int argc, char** argv) {
@@ -167,14 +164,5 @@ void KxColormap::registerClass() {
     theClassRegistry->registerCommand("KxColormap", "setMinMax", "setMinMax min max");
     theClassRegistry->registerCommand("KxColormap", "getMinMax", "getMinMax");
     theClassRegistry->registerCommand("KxColormap", "getColor", "getColor value");
-    KxFileFormat format;
-    format.name = "Colormap";
-    format.extensions = {"kxm", "col"};
-    format.contentType = "KxColormap";
-    format.className = "KxColormap";
-    format.read = &KxColormap::readKorvaMesh;
-    format.write = [](KxData* data, const char* filename) {
-        return static_cast<KxColormap*>(data)->saveKorvaMesh(filename);
-    };
-    theFileFormats->addFormat(format);
+    KxKorvaMeshContent::registerFormat<KxColormap>("Colormap", "KxColormap", {"kxm", "col"});
 }

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "korva/core/KxClassRegistry.h"
-#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/data/KxKorvaMeshContent.h"
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
@@ -121,20 +121,13 @@ int KxLineSet::readKorvaMesh(const char* filename) {
     if (!lineSet->isValid()) {
         return 0;
     }
-    lineSet->setLoadCmd(filename);
-    std::string name = filename;
-    theObjectPool->add(lineSet.release(), name.substr(name.rfind('/') + 1).c_str());
-    return 1;
+    return KxKorvaMeshContent::addLoaded(lineSet.release(), filename);
 }
 
-KxData* KxLineSet::duplicate() const {
-    auto* copy = new KxLineSet;
-    copy->points_ = points_;
-    copy->data_ = data_;
-    copy->lines_ = lines_;
-    copy->setTransform(getTransform());
-    copy->parameters() = parameters();
-    return copy;
+KxLineSet::KxLineSet(const KxLineSet& other)
+    : KxSpatialData(), points_(other.points_), data_(other.data_), lines_(other.lines_) {
+    setTransform(other.getTransform());
+    parameters() = other.parameters();
 }
 
 void KxLineSet::info(KxInfoTags& tags) const {
@@ -149,14 +142,5 @@ void KxLineSet::registerClass() {
         return;
     }
     theClassRegistry->registerClass("KxLineSet", "korva", []() -> KxObject* { return new KxLineSet; });
-    KxFileFormat format;
-    format.name = "LineSet";
-    format.extensions = {"kxm"};
-    format.contentType = "KxLineSet";
-    format.className = "KxLineSet";
-    format.read = &KxLineSet::readKorvaMesh;
-    format.write = [](KxData* data, const char* filename) {
-        return static_cast<KxLineSet*>(data)->saveKorvaMesh(filename);
-    };
-    theFileFormats->addFormat(format);
+    KxKorvaMeshContent::registerFormat<KxLineSet>("LineSet", "KxLineSet", {"kxm"});
 }

@@ -14,6 +14,11 @@
 // existing points.
 class KxLineSet : public KxSpatialData {
 public:
+    KxLineSet() = default;
+    // Copies points, data, lines, transformation and parameters (not the label).
+    KxLineSet(const KxLineSet& other);
+    KxLineSet& operator=(const KxLineSet&) = delete;
+
     const char* getTypeName() const override { return "KxLineSet"; }
     bool isOfType(const char* typeName) const override;
 
@@ -50,7 +55,7 @@ public:
     // Reads a KorvaMesh line-set file into the pool under the file's name; 1, or 0 after an "Error: " line.
     static int readKorvaMesh(const char* filename);
 
-    KxData* duplicate() const override;
+    KxData* duplicate() const override { return new KxLineSet(*this); }
     void info(KxInfoTags& tags) const override;
     // Registers the class and its KorvaMesh file format with the host.
     static void registerClass();

@@ -9,7 +9,7 @@
 
 #include "korva/core/KxClassRegistry.h"
 #include "korva/core/KxCommandReply.h"
-#include "korva/core/KxFileFormatRegistry.h"
+#include "korva/data/KxKorvaMeshContent.h"
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxObjectPool.h"
@@ -119,20 +119,15 @@ int KxUniformLabelField3::readKorvaMesh(const char* filename) {
         params.removeParam(own);
     }
     field->parameters().copyContentsFrom(params);
-    field->setLoadCmd(filename);
-    std::string name = filename;
-    theObjectPool->add(field.release(), name.substr(name.rfind('/') + 1).c_str());
-    return 1;
+    return KxKorvaMeshContent::addLoaded(field.release(), filename);
 }
 
-KxData* KxUniformLabelField3::duplicate() const {
-    auto* copy = new KxUniformLabelField3;
-    std::memcpy(copy->dims_, dims_, sizeof(dims_));
-    std::memcpy(copy->box_, box_, sizeof(box_));
-    copy->labels_ = labels_;
-    copy->setTransform(getTransform());
-    copy->parameters() = parameters();
-    return copy;
+KxUniformLabelField3::KxUniformLabelField3(const KxUniformLabelField3& other)
+    : KxSpatialData(), labels_(other.labels_) {
+    std::memcpy(dims_, other.dims_, sizeof(dims_));
+    std::memcpy(box_, other.box_, sizeof(box_));
+    setTransform(other.getTransform());
+    parameters() = other.parameters();
 }
 
 void KxUniformLabelField3::info(KxInfoTags& tags) const {
@@ -243,14 +238,5 @@ void KxUniformLabelField3::registerClass() {
         std::string word(usage, std::strcspn(usage, " "));
         theClassRegistry->registerCommand("KxUniformLabelField3", word.c_str(), usage);
     }
-    KxFileFormat format;
-    format.name = "LabelField";
-    format.extensions = {"kxm"};
-    format.contentType = "KxUniformLabelField3";
-    format.className = "KxUniformLabelField3";
-    format.read = &KxUniformLabelField3::readKorvaMesh;
-    format.write = [](KxData* data, const char* filename) {
-        return static_cast<KxUniformLabelField3*>(data)->saveKorvaMesh(filename);
-    };
-    theFileFormats->addFormat(format);
+    KxKorvaMeshContent::registerFormat<KxUniformLabelField3>("LabelField", "KxUniformLabelField3", {"kxm"});
 }

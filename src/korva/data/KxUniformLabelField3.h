@@ -17,6 +17,11 @@
 // ZMAX, setVoxel I J K VALUE, getVoxel I J K, addMaterial NAME R G B.
 class KxUniformLabelField3 : public KxSpatialData {
 public:
+    KxUniformLabelField3() = default;
+    // Copies lattice, labels, transformation and parameters (not the label).
+    KxUniformLabelField3(const KxUniformLabelField3& other);
+    KxUniformLabelField3& operator=(const KxUniformLabelField3&) = delete;
+
     const char* getTypeName() const override { return "KxUniformLabelField3"; }
     bool isOfType(const char* typeName) const override;
 
@@ -48,7 +53,7 @@ public:
     // line.
     static int readKorvaMesh(const char* filename);
 
-    KxData* duplicate() const override;
+    KxData* duplicate() const override { return new KxUniformLabelField3(*this); }
     void info(KxInfoTags& tags) const override;
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
     // Registers the class, its console commands and its KorvaMesh file format with the host.

@@ -5,6 +5,7 @@
 
 #include <tcl.h>
 
+#include "korva/core/KxClassRegistry.h"
 #include "korva/core/KxData.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/modules/KxPortButtonList.h"
@@ -67,18 +68,26 @@ std::string KxCompModule::composeLabel(const char* label, const char* suffix) {
     return base + (word ? "." : "") + suffix;
 }
 
-bool KxCompModule::canCreateData(const KxData* /*data*/, std::string& /*command*/) const {
-    return false;
+bool KxCompModule::canCreateData(const KxData* /*data*/, std::string& command) const {
+    if (!createButton_) {
+        return false;
+    }
+    command = std::string("{") + getLabel() + "} create;\n";
+    return true;
 }
 
-int KxCompModule::pressAndAnswerResult(Tcl_Interp* interp, KxPortButtonList& button) {
-    button.hit();
-    fire();
-    KxData* result = getResult(0);
-    Tcl_SetObjResult(interp, Tcl_NewStringObj(result ? result->getLabel() : "", -1));
-    return TCL_OK;
+int KxCompModule::parse(Tcl_Interp* interp, int argc, char** argv) {
+    if (createButton_ && argc == 2 && std::strcmp(argv[1], "create") == 0) {
+        createButton_->hit();
+        fire();
+        KxData* result = getResult(0);
+        Tcl_SetObjResult(interp, Tcl_NewStringObj(result ? result->getLabel() : "", -1));
+        return TCL_OK;
+    }
+    return KxModule::parse(interp, argc, argv);
 }
 
-std::string KxCompModule::createCommand() const {
-    return std::string("{") + getLabel() + "} create;\n";
+void KxCompModule::registerCreatingClass(const char* className, const char* package, KxObject* (*factory)()) {
+    theClassRegistry->registerClass(className, package, factory);
+    theClassRegistry->registerCommand(className, "create", "create (computes; answers the result's label)");
 }

@@ -42,16 +42,20 @@ public:
     static std::string composeLabel(const char* label, const char* suffix);
 
     // Whether a saved state can recreate data by a console command of the
-    // module; if so, command receives it (e.g. "{module} create;\n"). None by default.
+    // module; if so, command receives it. Modules with a create button answer
+    // "{module} create;\n", others nothing.
     virtual bool canCreateData(const KxData* data, std::string& command) const;
 
+    // Adds the console command `create` (see setCreateButton) to KxModule's.
+    int parse(Tcl_Interp* interp, int argc, char** argv) override;
+    // Registers a module class that has a create button, with its `create` command.
+    static void registerCreatingClass(const char* className, const char* package, KxObject* (*factory)());
+
 protected:
-    // The console command `create` of modules that compute on request:
-    // presses the button, computes at once and answers the label of result 0
-    // (empty when there is none).
-    int pressAndAnswerResult(Tcl_Interp* interp, KxPortButtonList& button);
-    // "{label} create;\n", the line with which such modules recreate their results.
-    std::string createCommand() const;
+    // Modules that compute on request name their apply button here: `create`
+    // then presses it, computes at once and answers the label of result 0
+    // (empty when there is none), and saved states recreate the results.
+    void setCreateButton(KxPortButtonList* button) { createButton_ = button; }
 
 private:
     struct Slot {
@@ -59,4 +63,5 @@ private:
         std::weak_ptr<const void> alive;
     };
     std::vector<Slot> results_;
+    KxPortButtonList* createButton_ = nullptr;
 };

@@ -53,6 +53,7 @@ KxComputeDistanceToPoint::KxComputeDistanceToPoint()
     portSetReferencePoint.addButton("Apply");
     portPickReferencePoint.setItemLabel(0, "Start Picking");
     portReferencePoint.setValue("No reference point set.");
+    setCreateButton(&portAction);
 }
 
 KxComputeDistanceToPoint::~KxComputeDistanceToPoint() {
@@ -289,9 +290,6 @@ int KxComputeDistanceToPoint::setRefPoint(Tcl_Interp* interp, int argc, char** a
 
 int KxComputeDistanceToPoint::parse(Tcl_Interp* interp, int argc, char** argv) {
     const char* cmd = argc >= 2 ? argv[1] : "";
-    if (std::strcmp(cmd, "create") == 0 && argc == 2) {
-        return pressAndAnswerResult(interp, portAction);
-    }
     if (std::strcmp(cmd, "setRefPoint") == 0) {
         return setRefPoint(interp, argc, argv);
     }
@@ -306,16 +304,9 @@ void KxComputeDistanceToPoint::savePorts(std::string& out) const {
     }
 }
 
-bool KxComputeDistanceToPoint::canCreateData(const KxData* /*data*/, std::string& command) const {
-    command = createCommand();
-    return true;
-}
-
 void KxComputeDistanceToPoint::registerClass() {
-    theClassRegistry->registerClass("KxComputeDistanceToPoint", "kxspatialgraph",
-                                    []() -> KxObject* { return new KxComputeDistanceToPoint; });
-    theClassRegistry->registerCommand("KxComputeDistanceToPoint", "create",
-                                      "create (computes; answers the result's label)");
+    registerCreatingClass("KxComputeDistanceToPoint", "kxspatialgraph",
+                          []() -> KxObject* { return new KxComputeDistanceToPoint; });
     theClassRegistry->registerCommand("KxComputeDistanceToPoint", "setRefPoint",
                                       "setRefPoint edge point | setRefPoint x y z");
 }

@@ -42,7 +42,6 @@ public:
 
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
     void savePorts(std::string& out) const override;
-    bool canCreateData(const KxData* data, std::string& command) const override;
     static void registerClass();
 
     KxPortInfo portReferencePoint;

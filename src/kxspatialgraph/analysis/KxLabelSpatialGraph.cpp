@@ -39,6 +39,7 @@ KxLabelSpatialGraph::KxLabelSpatialGraph()
     portLocation.setItemLabel(NODE_TOGGLE, "Node");
     portLocation.setValue(POINT_TOGGLE, 1);
     portLocation.untouch();
+    setCreateButton(&portAction);
 }
 
 bool KxLabelSpatialGraph::isOfType(const char* typeName) const {
@@ -110,21 +111,7 @@ void KxLabelSpatialGraph::compute() {
     result->fire();
 }
 
-int KxLabelSpatialGraph::parse(Tcl_Interp* interp, int argc, char** argv) {
-    if (argc == 2 && std::strcmp(argv[1], "create") == 0) {
-        return pressAndAnswerResult(interp, portAction);
-    }
-    return KxCompModule::parse(interp, argc, argv);
-}
-
-bool KxLabelSpatialGraph::canCreateData(const KxData* /*data*/, std::string& command) const {
-    command = createCommand();
-    return true;
-}
-
 void KxLabelSpatialGraph::registerClass() {
-    theClassRegistry->registerClass("KxLabelSpatialGraph", "kxspatialgraph",
-                                    []() -> KxObject* { return new KxLabelSpatialGraph; });
-    theClassRegistry->registerCommand("KxLabelSpatialGraph", "create",
-                                      "create (computes; answers the result's label)");
+    registerCreatingClass("KxLabelSpatialGraph", "kxspatialgraph",
+                          []() -> KxObject* { return new KxLabelSpatialGraph; });
 }

@@ -21,8 +21,6 @@ public:
     const char* getTypeName() const override { return "KxLabelSpatialGraph"; }
     bool isOfType(const char* typeName) const override;
 
-    int parse(Tcl_Interp* interp, int argc, char** argv) override;
-    bool canCreateData(const KxData* data, std::string& command) const override;
     static void registerClass();
 
     KxPortDoIt portAction;

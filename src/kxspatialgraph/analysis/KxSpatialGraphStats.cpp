@@ -144,6 +144,7 @@ KxSpatialGraphStats::KxSpatialGraphStats()
       portSelection(this, "SpatialGraphSelection", "Selection", {"KxSpatialGraphSelectionInterface"}),
       portDoIt(this, "doIt", "Action") {
     portSelection.hide();
+    setCreateButton(&portDoIt);
 }
 
 bool KxSpatialGraphStats::isOfType(const char* typeName) const {
@@ -225,21 +226,7 @@ void KxSpatialGraphStats::compute() {
     sheet->fire();
 }
 
-int KxSpatialGraphStats::parse(Tcl_Interp* interp, int argc, char** argv) {
-    if (argc == 2 && std::strcmp(argv[1], "create") == 0) {
-        return pressAndAnswerResult(interp, portDoIt);
-    }
-    return KxCompModule::parse(interp, argc, argv);
-}
-
-bool KxSpatialGraphStats::canCreateData(const KxData* /*data*/, std::string& command) const {
-    command = createCommand();
-    return true;
-}
-
 void KxSpatialGraphStats::registerClass() {
-    theClassRegistry->registerClass("KxSpatialGraphStats", "kxspatialgraph",
-                                    []() -> KxObject* { return new KxSpatialGraphStats; });
-    theClassRegistry->registerCommand("KxSpatialGraphStats", "create",
-                                      "create (computes; answers the result's label)");
+    registerCreatingClass("KxSpatialGraphStats", "kxspatialgraph",
+                          []() -> KxObject* { return new KxSpatialGraphStats; });
 }

@@ -38,8 +38,6 @@ public:
                               KxSpreadSheet& sheet);
     static const String unlabeledName;
 
-    int parse(Tcl_Interp* interp, int argc, char** argv) override;
-    bool canCreateData(const KxData* data, std::string& command) const override;
     static void registerClass();
 
     KxConnection portSelection;

@@ -41,19 +41,9 @@ public:
     ScaleModule() : KxCompModule({"KxData"}) {
         fields.addFloatField(1.5f, "%.1f", 8);
         fields.addButton("Apply");
+        setCreateButton(&doIt);
     }
     const char* getTypeName() const override { return "ScaleModule"; }
-
-    int parse(Tcl_Interp* interp, int argc, char** argv) override {
-        if (argc == 2 && std::string(argv[1]) == "create") {
-            return pressAndAnswerResult(interp, doIt);
-        }
-        return KxCompModule::parse(interp, argc, argv);
-    }
-    bool canCreateData(const KxData* /*data*/, std::string& command) const override {
-        command = createCommand();
-        return true;
-    }
 
     KxPortFloatSlider factor{this, "factor", "Factor", 0.0f, 10.0f};
     KxPortToggleList options{this, "options", "Options", 2};
