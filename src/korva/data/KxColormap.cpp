@@ -91,7 +91,7 @@ KxColormap* KxColormap::findDefault() {
     return dynamic_cast<KxColormap*>(theObjectPool->find(defaultLabel));
 }
 
-int KxColormap::saveKorvaMesh(const char* filename) const {
+int KxColormap::saveKorvaMesh(const char* filename) {
     KorvaMesh mesh;
     mesh.getParameters().setString("ContentType", "KxColormap");
     float range[2] = {min_, max_};
@@ -100,7 +100,11 @@ int KxColormap::saveKorvaMesh(const char* filename) const {
     if (!entries || !mesh.createData("RGBA", entries, PrimType::FLOAT32, 4, rgba_.data())) {
         return 0;
     }
-    return mesh.write(filename, 1);
+    if (!mesh.write(filename, 1)) {
+        return 0;
+    }
+    setLoadCmd(filename);
+    return 1;
 }
 
 int KxColormap::readKorvaMesh(const char* filename) {

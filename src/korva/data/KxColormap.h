@@ -49,8 +49,9 @@ public:
     // The colormap labelled defaultLabel in the session's pool, or null.
     static KxColormap* findDefault();
 
-    // Writes a KorvaMesh file; 1, or 0 after an "Error: " line.
-    int saveKorvaMesh(const char* filename) const;
+    // Writes a KorvaMesh file, which then is the object's source (its load
+    // command); 1, or 0 after an "Error: " line.
+    int saveKorvaMesh(const char* filename);
     // Reads a KorvaMesh colormap file into the pool under the file's name; 1, or 0 after an "Error: " line.
     static int readKorvaMesh(const char* filename);
 

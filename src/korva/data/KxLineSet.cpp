@@ -54,7 +54,7 @@ void KxLineSet::getBoundingBox(Box3f& box) const {
     }
 }
 
-int KxLineSet::saveKorvaMesh(const char* filename) const {
+int KxLineSet::saveKorvaMesh(const char* filename) {
     KorvaMesh mesh;
     mesh.getParameters().setString("ContentType", "KxLineSet");
     std::vector<int> sizes;
@@ -74,7 +74,11 @@ int KxLineSet::saveKorvaMesh(const char* filename) const {
     }
     mesh.createData("LineSizes", lines, PrimType::INT32, 1, sizes.data());
     mesh.createData("Indices", lineIndices, PrimType::INT32, 1, indices.data());
-    return mesh.write(filename, 0);
+    if (!mesh.write(filename, 0)) {
+        return 0;
+    }
+    setLoadCmd(filename);
+    return 1;
 }
 
 int KxLineSet::readKorvaMesh(const char* filename) {

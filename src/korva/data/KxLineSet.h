@@ -50,8 +50,9 @@ public:
     bool isValid() const;
     void getBoundingBox(Box3f& box) const override;
 
-    // Writes a KorvaMesh file; 1, or 0 after an "Error: " line.
-    int saveKorvaMesh(const char* filename) const;
+    // Writes a KorvaMesh file, which then is the object's source (its load
+    // command); 1, or 0 after an "Error: " line.
+    int saveKorvaMesh(const char* filename);
     // Reads a KorvaMesh line-set file into the pool under the file's name; 1, or 0 after an "Error: " line.
     static int readKorvaMesh(const char* filename);
 

@@ -73,7 +73,7 @@ bool KxUniformLabelField3::findLabel(const Vec3f& p, int& label) const {
     return true;
 }
 
-int KxUniformLabelField3::saveKorvaMesh(const char* filename) const {
+int KxUniformLabelField3::saveKorvaMesh(const char* filename) {
     KorvaMesh mesh;
     mesh.getParameters().copyContentsFrom(parameters());
     mesh.getParameters().setString("ContentType", "KxUniformLabelField3");
@@ -84,7 +84,11 @@ int KxUniformLabelField3::saveKorvaMesh(const char* filename) const {
     }
     const KorvaMesh::Location* lattice = mesh.createLocation("Lattice", static_cast<int64_t>(labels_.size()));
     mesh.createData("Labels", lattice, PrimType::UINT8, 1, labels_.data());
-    return mesh.write(filename, 0, 1);
+    if (!mesh.write(filename, 0, 1)) {
+        return 0;
+    }
+    setLoadCmd(filename);
+    return 1;
 }
 
 int KxUniformLabelField3::readKorvaMesh(const char* filename) {

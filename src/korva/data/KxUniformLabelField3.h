@@ -47,8 +47,9 @@ public:
     // voxel from its outer centres), else true with the voxel's label.
     bool findLabel(const Vec3f& p, int& label) const;
 
-    // Writes a KorvaMesh file; 1, or 0 after an "Error: " line.
-    int saveKorvaMesh(const char* filename) const;
+    // Writes a KorvaMesh file, which then is the object's source (its load
+    // command); 1, or 0 after an "Error: " line.
+    int saveKorvaMesh(const char* filename);
     // Reads a KorvaMesh label-field file into the pool under the file's name; 1, or 0 after an "Error: "
     // line.
     static int readKorvaMesh(const char* filename);

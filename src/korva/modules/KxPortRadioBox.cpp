@@ -24,6 +24,9 @@ void KxPortRadioBox::setValue(int index) {
 }
 
 void KxPortRadioBox::save(std::string& out, const char* moduleLabel) const {
+    if (getNumItems() == 0) {
+        return;  // items come from an input; without them there is no choice to restore
+    }
     appendSetValueLine(out, moduleLabel, std::to_string(value_));
 }
 

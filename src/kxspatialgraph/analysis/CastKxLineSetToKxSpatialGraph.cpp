@@ -81,6 +81,7 @@ CastKxLineSetToKxSpatialGraph::CastKxLineSetToKxSpatialGraph()
       portMapToThickness(this, "mapToThickness", "Map To Thickness", 0),
       portAction(this, "action", "Action") {
     portMapToThickness.hide();
+    setCreateButton(&portAction);
 }
 
 bool CastKxLineSetToKxSpatialGraph::isOfType(const char* typeName) const {
@@ -150,6 +151,6 @@ void CastKxLineSetToKxSpatialGraph::compute() {
 }
 
 void CastKxLineSetToKxSpatialGraph::registerClass() {
-    theClassRegistry->registerClass("CastKxLineSetToKxSpatialGraph", "kxspatialgraph",
-                                    []() -> KxObject* { return new CastKxLineSetToKxSpatialGraph; });
+    registerCreatingClass("CastKxLineSetToKxSpatialGraph", "kxspatialgraph",
+                          []() -> KxObject* { return new CastKxLineSetToKxSpatialGraph; });
 }

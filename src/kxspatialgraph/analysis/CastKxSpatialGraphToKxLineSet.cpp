@@ -10,7 +10,9 @@
 #include "kxspatialgraph/model/PointAttribute.h"
 
 CastKxSpatialGraphToKxLineSet::CastKxSpatialGraphToKxLineSet()
-    : KxCompModule({"KxSpatialGraphInterface"}), portAction(this, "action", "Action") {}
+    : KxCompModule({"KxSpatialGraphInterface"}), portAction(this, "action", "Action") {
+    setCreateButton(&portAction);
+}
 
 bool CastKxSpatialGraphToKxLineSet::isOfType(const char* typeName) const {
     return std::strcmp(typeName, "CastKxSpatialGraphToKxLineSet") == 0 || KxCompModule::isOfType(typeName);
@@ -69,6 +71,6 @@ void CastKxSpatialGraphToKxLineSet::compute() {
 }
 
 void CastKxSpatialGraphToKxLineSet::registerClass() {
-    theClassRegistry->registerClass("CastKxSpatialGraphToKxLineSet", "kxspatialgraph",
-                                    []() -> KxObject* { return new CastKxSpatialGraphToKxLineSet; });
+    registerCreatingClass("CastKxSpatialGraphToKxLineSet", "kxspatialgraph",
+                          []() -> KxObject* { return new CastKxSpatialGraphToKxLineSet; });
 }
