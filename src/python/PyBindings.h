@@ -13,5 +13,6 @@ void bindArrays(PyGraphClass& graph);
 void bindBuilding(pybind11::module_& module);
 void bindGraphCopies(PyGraphClass& graph);
 void bindMeasuring(PyGraphClass& graph);
+void bindAnalysisModules(PyGraphClass& graph);
 void bindEditing(pybind11::module_& module, PyGraphClass& graph);
 void bindRendering(PyGraphClass& graph);

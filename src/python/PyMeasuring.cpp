@@ -18,6 +18,7 @@
 #include "python/PyGraph.h"
 #include "python/PyIndices.h"
 #include "python/PySession.h"
+#include "python/PyTable.h"
 
 namespace py = pybind11;
 
@@ -33,18 +34,6 @@ py::list toArrays(const DArray<DArray<int>>& lists) {
         result.append(toArray(lists[i]));
     }
     return result;
-}
-
-// A pandas DataFrame of the columns when pandas is installed, else the dict.
-py::object table(const py::dict& columns) {
-    try {
-        return py::module_::import("pandas").attr("DataFrame")(columns);
-    } catch (py::error_already_set& e) {
-        if (!e.matches(PyExc_ImportError)) {
-            throw;
-        }
-        return std::move(columns);
-    }
 }
 
 double totalLength(const PyGraph& self) {

@@ -21,6 +21,7 @@ PYBIND11_MODULE(kxspatialgraph, module) {
     bindBuilding(module);
     bindGraphCopies(graph);
     bindMeasuring(graph);
+    bindAnalysisModules(graph);
     bindEditing(module, graph);
     bindRendering(graph);
 }

@@ -86,3 +86,29 @@ def test_shortest_path_and_the_subgraph_along_it():
     assert len(unreachable["vertices"]) == 0 and len(unreachable["edges"]) == 0
     with pytest.raises(IndexError):
         y.shortest_path(0, 4)
+
+
+def test_statistics_and_distance_along_two_straight_edges():
+    # A 3-long edge with radii 1 -> 2 and, after a branch vertex, a 4-long one;
+    # a separate component (edge 2) is never reached.
+    graph = kxspatialgraph.from_arrays(
+        vertices=np.array([[0, 0, 0], [3, 0, 0], [3, 4, 0], [9, 9, 9], [9, 9, 10]], np.float32),
+        edges=np.array([[0, 1], [1, 2], [3, 4]]),
+        points=np.array([[0, 0, 0], [3, 0, 0], [3, 0, 0], [3, 4, 0], [9, 9, 9], [9, 9, 10]], np.float32),
+        offsets=np.array([0, 2, 4, 6]),
+        point_attributes={"thickness": np.array([1, 2, 2, 2, 1, 1], np.float32)})
+    segments = graph.statistics(edges=[0, 1])["Segment Statistics"]
+    np.testing.assert_array_equal(segments["Segment ID"], [0, 1])
+    np.testing.assert_allclose(segments["Length"], [3, 4])
+    np.testing.assert_allclose(segments["Mean Radius"], [1.5, 2])
+    np.testing.assert_allclose(segments["Volume"], [np.pi * 3 / 3 * (1 + 2 + 4), np.pi * 4 * 4], rtol=1e-6)
+    assert len(graph.statistics()["Segment Statistics"]["Length"]) == 3
+
+    along = graph.distance_to_point(position=(1, 0.1, 0))
+    np.testing.assert_allclose(along[:4], [0, 3, 3, 7])
+    assert (along[4:] == np.finfo(np.float32).max).all()
+    np.testing.assert_array_equal(graph.distance_to_point(edge=1, point=-1)[:4], [7, 4, 4, 0])
+    with pytest.raises(IndexError):
+        graph.distance_to_point(edge=3, point=0)
+    with pytest.raises(TypeError):
+        graph.distance_to_point(edge=0)
