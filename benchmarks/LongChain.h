@@ -18,9 +18,8 @@ inline std::unique_ptr<KxSpatialGraph> makeLongChain(int numEdges, int pointsPer
     std::unique_ptr<Vec3f[]> points(new Vec3f[static_cast<size_t>(pointsPerEdge)]);
     for (int e = 0; e < numEdges; ++e) {
         for (int i = 0; i < pointsPerEdge; ++i) {
-            points[i] =
-                Vec3f(static_cast<float>(e) + static_cast<float>(i) / static_cast<float>(pointsPerEdge - 1),
-                      0.5f, 0);
+            points[i] = Vec3f(
+                static_cast<float>(e) + static_cast<float>(i) / static_cast<float>(pointsPerEdge - 1), 0, 0);
         }
         g->addEdge(e, e + 1, points.get(), pointsPerEdge);
     }
