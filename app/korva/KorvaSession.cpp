@@ -26,6 +26,7 @@
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/data/KxUniformLabelField3.h"
 #include "korva/modules/KxSessionState.h"
+#include "korva/viewer/KxViewer.h"
 
 namespace {
 
@@ -67,6 +68,7 @@ KorvaSession::KorvaSession(const char* argv0) {
     tcl_.reset(new KxTclInterpreter(*theObjectPool));
     installConsoleCommands(*tcl_);
     KxSessionState::installCommands(*tcl_);
+    KxViewer::installCommands(*tcl_);
     KxSpreadSheet::registerClass();
     KxColormap::registerClass();
     KxLineSet::registerClass();

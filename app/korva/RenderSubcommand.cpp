@@ -73,9 +73,7 @@ int parseArguments(int argc, char** argv, RenderArguments& args) {
                                    !parseSize("height", positional[3], args.height))) {
         return 2;
     }
-    if (!KxOffscreenRenderer::imageFormatOf(args.output)) {
-        theMsg->printf("Error: Cannot write %s: pictures are written as %s.", args.output,
-                       KxOffscreenRenderer::kImageFormats);
+    if (!KxOffscreenRenderer::checkImagePath(args.output)) {
         return 2;
     }
     return 0;

@@ -13,6 +13,7 @@
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphEditCommands.h"
+#include "kxspatialgraph/view/KxSpatialGraphView.h"
 #include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
 
 namespace {
@@ -47,6 +48,7 @@ extern "C" int korvapackage_kxspatialgraph_init() {
     CastKxSpatialGraphToKxLineSet::registerClass();
     KxUniformLabelField3::registerClass();
     KxLabelSpatialGraph::registerClass();
+    KxSpatialGraphView::registerClass();
     SpatialGraphDefaultScene::registerBuilder();
     return 1;
 }

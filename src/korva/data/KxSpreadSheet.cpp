@@ -32,9 +32,16 @@ std::string csvField(const std::string& text) {
 
 }  // namespace
 
+void KxSpreadSheet::Table::selectRow(int r, bool on) {
+    if (r >= 0 && r < numRows_) {
+        selected_[static_cast<size_t>(r)] = on;
+    }
+}
+
 void KxSpreadSheet::Table::setNumRows(int n) {
     numRows_ = std::max(n, 0);
     size_t rows = static_cast<size_t>(numRows_);
+    selected_.assign(rows, false);
     for (Column& c : columns_) {
         switch (c.type) {
             case INT:
@@ -246,7 +253,37 @@ int KxSpreadSheet::parse(Tcl_Interp* interp, int argc, char** argv) {
         Tcl_SetObjResult(interp, Tcl_NewStringObj(table->getText(c, r).c_str(), -1));
         return TCL_OK;
     }
+    if (std::strcmp(cmd, "selectRows") == 0) {
+        return parseSelectRows(interp, argc, argv);
+    }
     return KxData::parse(interp, argc, argv);
+}
+
+int KxSpreadSheet::parseSelectRows(Tcl_Interp* interp, int argc, char** argv) {
+    Table* table = argc >= 3 ? findTable(argv[2]) : nullptr;
+    if (argc < 3) {
+        return KxCommandReply::usage(interp, "selectRows table ?row ...?");
+    }
+    if (!table) {
+        return KxCommandReply::failf(interp, "Error: No table \"%s\".", argv[2]);
+    }
+    std::vector<int> rows;
+    for (int i = 3; i < argc; ++i) {
+        int r = -1;
+        if (Tcl_GetInt(interp, argv[i], &r) != TCL_OK || r < 0 || r >= table->getNumRows()) {
+            return KxCommandReply::failf(interp, "Error: No row %s in table \"%s\".", argv[i], argv[2]);
+        }
+        rows.push_back(r);
+    }
+    for (int r = 0; r < table->getNumRows(); ++r) {
+        table->selectRow(r, false);
+    }
+    for (int r : rows) {
+        table->selectRow(r);
+    }
+    touch(NEW_PARAMETERS);
+    fire();
+    return TCL_OK;
 }
 
 void KxSpreadSheet::registerClass() {
@@ -259,4 +296,5 @@ void KxSpreadSheet::registerClass() {
     theClassRegistry->registerCommand("KxSpreadSheet", "getNumTables", "getNumTables");
     theClassRegistry->registerCommand("KxSpreadSheet", "getValue", "getValue table column row");
     theClassRegistry->registerCommand("KxSpreadSheet", "exportCSV", "exportCSV file");
+    theClassRegistry->registerCommand("KxSpreadSheet", "selectRows", "selectRows table ?row ...?");
 }

@@ -10,7 +10,8 @@
 // of a statistics module. Every column of a table has the table's row
 // count. Printable (print, as aligned text) and exportable as CSV; numbers
 // are written locale-independently. Console: print, getNumTables,
-// getValue TABLE COLUMN ROW, exportCSV FILE.
+// getValue TABLE COLUMN ROW, exportCSV FILE, selectRows TABLE ?ROW ...?
+// (the rows chosen in the sheet's dialog; none deselects all, then fires).
 class KxSpreadSheet : public KxData {
 public:
     enum ColumnType { INT, FLOAT, STRING };
@@ -41,6 +42,12 @@ public:
         }
         // A cell as text: integers in decimal, floats in their shortest exact form.
         std::string getText(int c, int r) const;
+        // Rows the user selected in the sheet's dialog (or with selectRows);
+        // setNumRows deselects every row.
+        void selectRow(int r, bool on = true);
+        bool isRowSelected(int r) const {
+            return r >= 0 && r < numRows_ && selected_[static_cast<size_t>(r)];
+        }
 
     private:
         struct Column {
@@ -56,6 +63,7 @@ public:
         std::string name_;
         int numRows_ = 0;
         std::vector<Column> columns_;
+        std::vector<bool> selected_;
     };
 
     const char* getTypeName() const override { return "KxSpreadSheet"; }
@@ -84,5 +92,7 @@ public:
     static void registerClass();
 
 private:
+    int parseSelectRows(Tcl_Interp* interp, int argc, char** argv);
+
     std::vector<std::unique_ptr<Table>> tables_;
 };

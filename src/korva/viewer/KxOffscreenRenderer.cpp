@@ -111,10 +111,17 @@ const char* KxOffscreenRenderer::imageFormatOf(const char* path) {
     return nullptr;
 }
 
-bool KxOffscreenRenderer::writeImage(const char* path) const {
+const char* KxOffscreenRenderer::checkImagePath(const char* path) {
     const char* format = imageFormatOf(path);
     if (!format) {
         theMsg->printf("Error: Cannot write %s: pictures are written as %s.", path, kImageFormats);
+    }
+    return format;
+}
+
+bool KxOffscreenRenderer::writeImage(const char* path) const {
+    const char* format = checkImagePath(path);
+    if (!format) {
         return false;
     }
     if (pixels_.empty()) {

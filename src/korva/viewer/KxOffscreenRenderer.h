@@ -36,6 +36,8 @@ public:
     static constexpr const char* kImageFormats = "PNG (.png) or JPEG (.jpg, .jpeg)";
     // "PNG" or "JPEG" by path's extension, or null.
     static const char* imageFormatOf(const char* path);
+    // imageFormatOf(path), or null after an "Error: " line naming the formats.
+    static const char* checkImagePath(const char* path);
     // The cache-context id under which shapes saw this renderer's context in the last render.
     uint32_t getCacheContextId() const;
 
