@@ -1,10 +1,12 @@
-// korva render [--color NAME] FILE OUT [WIDTH HEIGHT]: loads a file and draws
+// korva render [--color NAME] [--scale NAME] [--nodes] FILE OUT [WIDTH HEIGHT]: loads a file and draws
 // the first object in it that has a default scene (see KxSceneBuilders) into
 // a PNG or JPEG picture (by OUT's extension), offscreen, through a camera that
 // frames the scene. A FILE ending in ".tcl" is run as a script instead, and the
 // first object it leaves in the pool that can be drawn is drawn. --color NAME
 // colours the scene by the data of that name (for a graph: a point or edge
-// attribute or a label group).
+// attribute or a label group), --scale NAME sizes it by the data of that name
+// (for a graph: the tubes' radii by a float point attribute), --nodes shows
+// its nodes (a graph's vertices as spheres).
 
 #include <cstdlib>
 #include <cstring>
@@ -58,6 +60,10 @@ int parseArguments(int argc, char** argv, RenderArguments& args) {
     for (int i = 0; i < argc; ++i) {
         if (std::strcmp(argv[i], "--color") == 0 && i + 1 < argc) {
             args.scene.colorBy = argv[++i];
+        } else if (std::strcmp(argv[i], "--scale") == 0 && i + 1 < argc) {
+            args.scene.scaleBy = argv[++i];
+        } else if (std::strcmp(argv[i], "--nodes") == 0) {
+            args.scene.showNodes = true;
         } else if (argv[i][0] == '-' && argv[i][1] == '-') {
             return usage();
         } else {
@@ -142,7 +148,8 @@ int runRender(KorvaSession& session, int argc, char** argv) {
     return status;
 }
 
-KorvaSubcommand::Registrar registrar{"render", "[--color NAME] FILE OUT.png|OUT.jpg [WIDTH HEIGHT]",
-                                     "draw a data file offscreen into a PNG or JPEG picture", runRender};
+KorvaSubcommand::Registrar registrar{
+    "render", "[--color NAME] [--scale NAME] [--nodes] FILE OUT.png|OUT.jpg [WIDTH HEIGHT]",
+    "draw a data file offscreen into a PNG or JPEG picture", runRender};
 
 }  // namespace

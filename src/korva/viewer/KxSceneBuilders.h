@@ -13,6 +13,10 @@ struct KxSceneOptions {
     // Colour by the data of this name (an attribute or label group, as the
     // class understands it); empty: the class's constant colour.
     std::string colorBy;
+    // Size by the data of this name (for a graph: the tubes' radii); empty: the class's default.
+    std::string scaleBy;
+    // Show the object's nodes (for a graph: its vertices as spheres).
+    bool showNodes = false;
 };
 
 // Default scenes of data objects, by class name: how `korva render` shows an

@@ -19,6 +19,7 @@
 #include "kxspatialgraph/view/QkSpatialGraphNotifier.h"
 
 class GraphAttribute;
+class KxSpatialGraph;
 class KxSpatialGraphInterface;
 class SoPickedPoint;
 class SoSeparator;
@@ -67,6 +68,14 @@ public:
     void getVisibility(String& text) const;
     // Prints what the pick hit, then where; nothing when it missed the graph.
     void setPickQueryInfo(const SoPickedPoint* pickedPoint);
+
+    // Shows graph as tubes only (no lines or points), coloured by colorAttr
+    // (null: the constant colour) and scaled by the float point attribute
+    // radii × scale (null: radius scale), and its nodes as spheres of
+    // nodeRadius (none when it is 0); answers the view's scene, which keeps
+    // its picture when the view is gone.
+    SoSeparator* showAsTubes(KxSpatialGraph* graph, const GraphAttribute* colorAttr,
+                             const GraphAttribute* radii, float scale, float nodeRadius);
 
     int parse(Tcl_Interp* interp, int argc, char** argv) override;
     void savePorts(std::string& out) const override;

@@ -1,20 +1,18 @@
 #include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
 
 #include <algorithm>
+#include <string>
 
 #include <Inventor/nodes/SoSeparator.h>
 
 #include "korva/core/KxMessageConsole.h"
 #include "korva/data/KxColormap.h"
-#include "korva/gl/KxGLCapabilities.h"
-#include "korva/modules/KxPortColormap.h"
 #include "korva/viewer/KxSceneBuilders.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/PointAttribute.h"
-#include "kxspatialgraph/selection/SpatialGraphSelection.h"
-#include "kxspatialgraph/view/SpatialGraphViewNode.h"
+#include "kxspatialgraph/view/KxSpatialGraphView.h"
 
 namespace {
 
@@ -100,61 +98,70 @@ KxColormap SpatialGraphDefaultScene::colormapFor(const KxSpatialGraph& graph, co
     return KxColormap(5, ramp, lo, hi);
 }
 
-SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph, const char* colorBy) {
+namespace {
+
+// The largest value of radii; 1 without.
+float largestRadius(const GraphAttribute* radii) {
+    float lo = 1.0f, hi = 1.0f;
+    if (radii) {
+        valueRange(radii, lo, hi);
+    }
+    return hi;
+}
+
+// The float point attribute the tubes are scaled by: the one named, else
+// "thickness" when there is one. False after an "Error: " line.
+bool findRadiusAttribute(const KxSpatialGraph& graph, const std::string& name, const PointAttribute*& radii) {
+    radii = graph.findEdgePointAttribute(name.empty() ? "thickness" : name.c_str());
+    if (radii && radii->getPrimType().getType() != PrimType::FLOAT32) {
+        radii = nullptr;
+    }
+    if (!radii && !name.empty()) {
+        theMsg->printf("Error: Graph %s has no float point attribute named \"%s\" to scale the tubes by.",
+                       graph.getLabel(), name.c_str());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+SoSeparator* SpatialGraphDefaultScene::build(const KxSpatialGraph* graph, const KxSceneOptions& options) {
     if (!graph) {
         return nullptr;
     }
-    const GraphAttribute* colorAttr = colorBy && *colorBy ? findColorAttribute(*graph, colorBy) : nullptr;
-    if (colorBy && *colorBy && !colorAttr) {
+    const std::string& colorBy = options.colorBy;
+    const GraphAttribute* colorAttr = colorBy.empty() ? nullptr : findColorAttribute(*graph, colorBy.c_str());
+    if (!colorBy.empty() && !colorAttr) {
         theMsg->printf("Error: Graph %s has no point or edge attribute or label group named \"%s\".",
-                       graph->getLabel(), colorBy);
+                       graph->getLabel(), colorBy.c_str());
         return nullptr;
     }
-    KxColormap colormap = colorAttr ? colormapFor(*graph, colorAttr) : KxColormap();
-    KxPortColormap port;
-    port.setColormap(&colormap);
-    SpatialGraphSelection visible(graph->getNumVertices(), graph->getNumEdges());
-    visible.selectAllVerticesAndEdges();
-    const PointAttribute* thickness = graph->findEdgePointAttribute("thickness");
-    if (thickness && thickness->getPrimType().getType() != PrimType::FLOAT32) {
-        thickness = nullptr;
+    const PointAttribute* radii = nullptr;
+    if (!findRadiusAttribute(*graph, options.scaleBy, radii)) {
+        return nullptr;
     }
     float extent = largestExtent(*graph);
-    float scale = thickness ? 1.0f : (extent > 0.0f ? 0.01f * extent : 1.0f);
+    float scale = radii ? 1.0f : (extent > 0.0f ? 0.01f * extent : 1.0f);
+    KxColormap colormap = colorAttr ? colormapFor(*graph, colorAttr) : KxColormap();
 
-    // The scene outlives the node, which unrefs it when it dies.
-    SoSeparator* root = nullptr;
+    // The scene outlives the view, which unrefs it when it dies.
+    SoSeparator* scene = nullptr;
     {
-        SpatialGraphViewNode node(graph->getSpatialGraphInterface());
-        root = node.getSpatialGraphNode();
-        root->ref();
-        if (KxGLCapabilities::hasShadersAndBuffers()) {
-            node.makeGpuTubes(&visible);
-            node.setTubeScaleAttribute(thickness);
-            node.setTubeScaleFactor(scale);
-            node.setTubeConstantColor(SbColor(0.8f, 0.8f, 0.8f));
-            node.setTubeColorAttribute(colorAttr);
-            if (colorAttr) {
-                node.setTubeColormap(&colormap);
-            }
-        } else {
-            if (!KxGLCapabilities::legacyForced()) {
-                theMsg->printf(
-                    "SpatialGraphView: Crucial OpenGL features are missing! Falling back to legacy tube "
-                    "rendering ...");
-            }
-            // The legacy profile has radius 0.5: twice the scale gives the same tubes.
-            node.setEdgeColormapPort(&port);
-            node.makeLegacyTubes(&visible, colorAttr, thickness, 2.0f * scale, false);
-        }
+        KxSpatialGraphView view;
+        view.portSegmentColormap.setColormap(&colormap);
+        // The view only reads the graph.
+        scene = view.showAsTubes(const_cast<KxSpatialGraph*>(graph), colorAttr, radii, scale,
+                                 options.showNodes ? 1.5f * scale * largestRadius(radii) : 0.0f);
+        scene->ref();
     }
-    root->unrefNoDelete();
-    return root;
+    scene->unrefNoDelete();
+    return scene;
 }
 
 void SpatialGraphDefaultScene::registerBuilder() {
-    theSceneBuilders->registerBuilder(
-        "KxSpatialGraph", [](KxObject* object, const KxSceneOptions& options) -> SoNode* {
-            return build(dynamic_cast<KxSpatialGraph*>(object), options.colorBy.c_str());
-        });
+    theSceneBuilders->registerBuilder("KxSpatialGraph",
+                                      [](KxObject* object, const KxSceneOptions& options) -> SoNode* {
+                                          return build(dynamic_cast<KxSpatialGraph*>(object), options);
+                                      });
 }

@@ -137,6 +137,10 @@ TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
          1,
          false,
          "Error: Graph cross.kxm has no point or edge attribute or label group named \"Nope\".\n"},
+        {{"render", "--scale", "Topology", "cross.kxm", "x.png", "40", "30"},
+         1,
+         false,
+         "Error: Graph cross.kxm has no float point attribute named \"Topology\" to scale the tubes by.\n"},
     };
     for (const Case& c : cases) {
         std::string call;
@@ -346,6 +350,22 @@ TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
     ASSERT_EQ(fromFile.status, 0) << fromFile.err;
     EXPECT_EQ(QImage(QString::fromStdString(dir_.path("file.png"))),
               QImage(QString::fromStdString(dir_.path("gpu.png"))));
+    // "thickness" is what the tubes are scaled by anyway; nodes add spheres thicker than the tubes.
+    ASSERT_EQ(
+        korva({"render", "--scale", "thickness", "cross.kxm", dir_.path("scaled.png"), "120", "80"}).status,
+        0);
+    EXPECT_EQ(QImage(QString::fromStdString(dir_.path("scaled.png"))),
+              QImage(QString::fromStdString(dir_.path("gpu.png"))));
+    ASSERT_EQ(korva({"render", "--nodes", "cross.kxm", dir_.path("nodes.png"), "120", "80"}).status, 0);
+    QImage nodes(QString::fromStdString(dir_.path("nodes.png")));
+    QImage tubes(QString::fromStdString(dir_.path("gpu.png")));
+    int grown = 0;
+    for (int y = 0; y < 80; ++y) {
+        for (int x = 0; x < 120; ++x) {
+            grown += nodes.pixelColor(x, y).red() > 0 && tubes.pixelColor(x, y).red() == 0;
+        }
+    }
+    EXPECT_GT(grown, 20) << "the spheres stand out of the tube ends";
 
     write("empty.tcl", "set x 1\n");
     KorvaRun nothing = korva({"render", "empty.tcl", dir_.path("none.png")});

@@ -329,20 +329,27 @@ TEST_F(KxSpatialGraphViewTest, ClicksReportNodesSegmentsAndPoints) {
     EXPECT_TRUE(click(view, 0, 0).empty()) << "a miss prints nothing";
 }
 
-TEST_F(KxSpatialGraphViewTest, ViewerClickGoesToTheViewAndSnapshotFramesIt) {
+TEST_F(KxSpatialGraphViewTest, ViewerClicksReachTheViewAndTheDistanceModule) {
     show(makeTwoLines());
     std::string path = testOutputPath("view_snapshot.png");
     std::remove(path.c_str());
     evalOk(tcl_, ("viewer snapshot " + path + " 80 60").c_str());
     EXPECT_TRUE(std::ifstream(path).good());
-    KxMessageCapture capture;
     // The framed graph spans the picture's width; its lower line lies below the middle.
-    bool hit = false;
-    for (int y = 30; y < 60 && !hit; ++y) {
-        hit = evalOk(tcl_, ("viewer click 40 " + std::to_string(y)).c_str()) == "1";
+    int row = 30;
+    KxMessageCapture capture;
+    while (row < 60 && evalOk(tcl_, ("viewer click 40 " + std::to_string(row)).c_str()) != "1") {
+        ++row;
     }
-    EXPECT_TRUE(hit);
     EXPECT_TRUE(capture.contains("Segment = 1")) << capture.text();
+
+    evalOk(tcl_,
+           "create KxComputeDistanceToPoint D; D data connect g.kxm; D pickReferencePoint setValue 0 1");
+    capture.clear();
+    EXPECT_EQ(evalOk(tcl_, ("viewer click 40 " + std::to_string(row) + " 3").c_str()), "1");
+    EXPECT_EQ(capture.text().find("Segment ="), std::string::npos) << "the middle button is the module's";
+    // The edge point nearest to the click at (0, -2, 0) on edge 1 is the middle point of edge 0.
+    EXPECT_EQ(evalOk(tcl_, "D referencePoint getValue"), "Coords: 0.0 2.0 0.0 Segment: 0 Point: 1 ");
     evalError(tcl_, "viewer snapshot out.bmp");
     evalError(tcl_, "viewer click 500 1");
 }
