@@ -199,25 +199,33 @@ int KorvaSession::runConsole() {
             }
             return 0;
         }
-        command += line;
-        command += '\n';
-        if (!Tcl_CommandComplete(command.c_str())) {
-            continue;
-        }
-        int code = tcl_->eval(command.c_str());
-        command.clear();
-        if (code == TCL_OK) {
-            std::string result = tcl_->result();
-            if (terminal && !result.empty()) {
-                std::printf("%s\n", result.c_str());
-            }
-        } else if (terminal) {
-            printErrorMessage();
-        } else {
-            reportError();
+        if (!feedConsole(line, command, terminal)) {
             return 1;
         }
     }
+}
+
+bool KorvaSession::feedConsole(const std::string& line, std::string& command, bool keepGoing) {
+    command += line;
+    command += '\n';
+    if (!Tcl_CommandComplete(command.c_str())) {
+        return true;
+    }
+    int code = tcl_->eval(command.c_str());
+    command.clear();
+    if (code == TCL_OK) {
+        std::string result = tcl_->result();
+        if (keepGoing && !result.empty()) {
+            std::printf("%s\n", result.c_str());
+        }
+        return true;
+    }
+    if (keepGoing) {
+        printErrorMessage();
+        return true;
+    }
+    reportError();
+    return false;
 }
 
 KxData* KorvaSession::loadFirst(const char* file, const char* className, const char* what) {

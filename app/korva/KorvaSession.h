@@ -25,6 +25,11 @@ public:
     // with a prompt and results, otherwise silently until the first error,
     // which ends the run with 1.
     int runConsole();
+    // One line of console input: appended to command, which runs (and is
+    // cleared) once it is complete. With keepGoing (a terminal) results are
+    // printed and an error is reported and passed over; otherwise an error
+    // is reported and answers false, which ends the run.
+    bool feedConsole(const std::string& line, std::string& command, bool keepGoing);
 
     // Loads each file and prints the info report of every object it holds.
     // 0, or 1 when a file cannot be loaded or its reader printed an "Error: "

@@ -4,6 +4,7 @@
 //   korva SCRIPT.tcl [ARGS]    run a script with argv set
 //   korva FILE ...             load data files and describe them (then the console, on a terminal)
 //   korva -c 'COMMANDS'        run commands
+//   korva --gui [FILE ... | SCRIPT.tcl [ARGS]]   the viewer window, console on the terminal
 //   korva SUBCOMMAND ARGS      batch work, e.g. korva info FILE
 //   korva --help | --version
 
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "KorvaGui.h"
 #include "KorvaSession.h"
 #include "KorvaSubcommand.h"
 #include "korva/core/KxFileFormatRegistry.h"
@@ -27,6 +29,7 @@ void printUsage(FILE* out) {
                  "       korva SCRIPT.tcl [ARGS]  run a script\n"
                  "       korva FILE ...           load data files and describe them\n"
                  "       korva -c 'COMMANDS'      run commands\n"
+                 "       korva --gui [FILE ... | SCRIPT.tcl [ARGS]]  viewer window, console on the terminal\n"
                  "       korva --help | --version\n");
     for (const KorvaSubcommand* s : KorvaSubcommand::all()) {
         std::fprintf(out, "       korva %s %s\n           %s\n", s->name, s->arguments, s->summary);
@@ -71,6 +74,10 @@ int run(int argc, char** argv) {
     if (argc >= 2 && isOneOf(argv[1], "-V", "--version")) {
         std::printf("korva %s\n", KORVA_VERSION);
         return 0;
+    }
+    if (argc >= 2 && std::strcmp(argv[1], "--gui") == 0) {
+        KorvaSession session(argv[0]);
+        return runGui(session, argv[0], argc - 2, argv + 2);
     }
     if (argc >= 2 && argv[1][0] == '-' && (std::strcmp(argv[1], "-c") != 0 || argc != 3)) {
         printUsage(stderr);

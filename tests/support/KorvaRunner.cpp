@@ -48,6 +48,9 @@ KorvaRun runKorva(const std::vector<std::string>& args, const KorvaRunOptions& o
     for (const std::string& setting : settings) {
         command += " " + quote(setting);
     }
+    for (const std::string& word : options.launcher) {
+        command += " " + quote(word);
+    }
     command += " ";
     command += quote(KORVA_BINARY_DIR "/bin/korva");
     for (const std::string& a : args) {

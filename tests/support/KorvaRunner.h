@@ -15,6 +15,7 @@ struct KorvaRunOptions {
     std::string input;                     // stdin (never a terminal)
     bool testPackage = false;              // also load the test package (tests/support/testpackage)
     std::vector<std::string> environment;  // extra NAME=value settings
+    std::vector<std::string> launcher;     // a command korva runs under, e.g. xvfb-run and its options
 };
 
 KorvaRun runKorva(const std::vector<std::string>& args, const KorvaRunOptions& options = {});

@@ -9,6 +9,7 @@
 #include <tcl.h>
 
 #include "korva/core/KxCommandReply.h"
+#include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxTclInterpreter.h"
 #include "korva/inventor/KxInventor.h"
 #include "korva/viewer/KxOffscreenRenderer.h"
@@ -17,7 +18,8 @@
 namespace {
 
 constexpr int kMaxSize = 8192;
-const char* const kUsage = "viewer snapshot file ?width height? | viewer click x y ?button? | viewer viewAll";
+const char* const kUsage =
+    "viewer snapshot file ?width height? | viewer click x y ?button? | viewer viewAll | viewer grab file";
 
 bool readInt(Tcl_Interp* interp, Tcl_Obj* word, int lo, int hi, const char* what, int& value) {
     if (Tcl_GetIntFromObj(interp, word, &value) != TCL_OK || value < lo || value > hi) {
@@ -69,6 +71,12 @@ int viewerCommand(ClientData, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[
         if (std::strcmp(sub, "click") == 0) {
             return clickCommand(interp, objc, objv);
         }
+        if (std::strcmp(sub, "grab") == 0 && objc == 3) {
+            KxCommandReply::ErrorTap tap;
+            return theViewer->grab(Tcl_GetString(objv[2]))
+                       ? TCL_OK
+                       : KxCommandReply::failWith(interp, tap, "Error: The grab failed.");
+        }
         if (std::strcmp(sub, "viewAll") == 0 && objc == 2) {
             const SbVec2s& size = theViewer->getViewportRegion().getWindowSize();
             theViewer->viewAll(size[0], size[1]);
@@ -117,6 +125,9 @@ int KxViewer::getNumScenes() const {
 void KxViewer::viewAll(int width, int height) {
     region_ = SbViewportRegion(static_cast<short>(width), static_cast<short>(height));
     camera_->viewAll(scenes_, region_);
+    if (window_) {
+        window_->viewAll();
+    }
 }
 
 bool KxViewer::snapshot(const char* path, int width, int height) {
@@ -140,6 +151,14 @@ bool KxViewer::click(int x, int y, int button) {
     event.setState(SoButtonEvent::UP);
     thePickDispatch->dispatch(root_, region_, event);
     return handled;
+}
+
+bool KxViewer::grab(const char* path) const {
+    if (!window_) {
+        theMsg->printf("Error: No viewer window is open (korva --gui opens one).");
+        return false;
+    }
+    return window_->writeImage(path);
 }
 
 void KxViewer::installCommands(KxTclInterpreter& tcl) {

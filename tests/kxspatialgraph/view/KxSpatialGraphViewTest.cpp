@@ -126,30 +126,15 @@ void expectPickedNear(const std::string& line, float x, float y, float z) {
 
 TEST_F(KxSpatialGraphViewTest, PortsInCreationOrderWithTheirDefaults) {
     KxSpatialGraphView view;
-    const char* names[] = {"data",
-                           "itemsToShow",
-                           "Separator",
-                           "nodeScale",
-                           "nodeScaleFactor",
-                           "nodeColoring",
-                           "nodeLabelColoringOptions",
-                           "nodeColormap",
-                           "nodeColor",
-                           "Separator",
-                           "segmentStyle",
-                           "tubeScale",
-                           "tubeScaleFactor",
-                           "segmentWidth",
-                           "segmentColoring",
-                           "segmentLabelColoringOptions",
-                           "segmentColormap",
-                           "segmentColor",
-                           "pointSize",
-                           "Statistics"};
-    ASSERT_EQ(view.getNumPorts(), 20);
+    std::string names;
     for (int i = 0; i < view.getNumPorts(); ++i) {
-        EXPECT_STREQ(view.getPort(i)->getName(), names[i]) << i;
+        names += std::string(view.getPort(i)->getName()) + " ";
     }
+    EXPECT_EQ(
+        names,
+        "data itemsToShow Separator nodeScale nodeScaleFactor nodeColoring nodeLabelColoringOptions "
+        "nodeColormap nodeColor Separator segmentStyle tubeScale tubeScaleFactor segmentWidth "
+        "segmentColoring segmentLabelColoringOptions segmentColormap segmentColor pointSize Statistics ");
     EXPECT_EQ(view.portItemsToShow.getValue(0) + view.portItemsToShow.getValue(1), 2);
     EXPECT_EQ(view.portSegmentStyle.getValue(0) * 4 + view.portSegmentStyle.getValue(1) * 2 +
                   view.portSegmentStyle.getValue(2),
