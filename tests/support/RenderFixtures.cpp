@@ -77,3 +77,13 @@ std::string testOutputPath(const char* name) {
     mkdir(folder.c_str(), 0755);
     return folder + "/" + name;
 }
+
+std::vector<bool> coverage(const KxOffscreenRenderer& renderer, float x, const std::vector<float>& ys) {
+    std::vector<bool> covered;
+    for (float y : ys) {
+        unsigned char rgb[3];
+        renderer.getPixel(pixelColumn(x), pixelRow(y), rgb);
+        covered.push_back(rgb[0] + rgb[1] + rgb[2] > 0);
+    }
+    return covered;
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <Inventor/SbColor.h>
 
@@ -26,6 +27,9 @@ bool pixelNear(const KxOffscreenRenderer& renderer, int x, int y, const SbColor&
 // Dominant channel test for lit surfaces whose brightness varies: the
 // channels that are 1 in colour are at least 100, the others at most 60.
 bool pixelHue(const KxOffscreenRenderer& renderer, int x, int y, const SbColor& colour, std::string& why);
+
+// Whether the picture is covered (not black) at world points (x, y) for each y of ys.
+std::vector<bool> coverage(const KxOffscreenRenderer& renderer, float x, const std::vector<float>& ys);
 
 // A file path under the test build's temporary folder.
 std::string testOutputPath(const char* name);

@@ -1,6 +1,8 @@
 #include "kxspatialgraph/view/KxSpatialGraphView.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <initializer_list>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -94,6 +96,17 @@ protected:
         root->addChild(view->getScene());
         EXPECT_TRUE(renderer.render(root));
         root->unref();
+    }
+    // `V setVisibility` with the serialised vertices and edges given.
+    void setVisibility(std::initializer_list<int> vertices, std::initializer_list<int> edges) {
+        SpatialGraphSelection sel(4, 2);
+        std::for_each(vertices.begin(), vertices.end(), [&sel](int v) { sel.selectVertex(v); });
+        std::for_each(edges.begin(), edges.end(), [&sel](int e) { sel.selectEdge(e); });
+        String edgeText, vertexText;
+        sel.serialize(edgeText, vertexText);
+        evalOk(
+            tcl_,
+            (std::string("V setVisibility ") + edgeText.getString() + " " + vertexText.getString()).c_str());
     }
     // Left click at world point (x, y) of the pixel scene; the lines printed.
     std::vector<std::string> click(KxSpatialGraphView* view, float x, float y) {
@@ -224,12 +237,7 @@ TEST_F(KxSpatialGraphViewTest, CurrentRangeSetOfTheColormapPorts) {
 TEST_F(KxSpatialGraphViewTest, VisibilityCommandsRoundTripAndAreSaved) {
     KxSpatialGraphView* view = show(makeTwoLines());
     std::string all = evalOk(tcl_, "V getVisibility");
-    SpatialGraphSelection some(4, 2);
-    some.selectEdge(1);
-    some.selectVertex(2);
-    String edges, vertices;
-    some.serialize(edges, vertices);
-    evalOk(tcl_, (std::string("V setVisibility ") + edges.getString() + " " + vertices.getString()).c_str());
+    setVisibility({2}, {1});
     EXPECT_EQ(view->getVisibleSelection().getNumSelectedEdges(), 1);
     EXPECT_TRUE(view->getVisibleSelection().isSelectedVertex(2));
     std::string saved = evalOk(tcl_, "V getVisibility");
@@ -388,12 +396,7 @@ TEST_F(KxSpatialGraphViewTest, LinesShowLabelColoursAndHighlights) {
 TEST_F(KxSpatialGraphViewTest, RestoredVisibilityRestoresThePicture) {
     KxSpatialGraphView* view = show(makeTwoLines());
     evalOk(tcl_, "V nodeScaleFactor setValue 0.4; V segmentStyle setValue 2 1; V segmentColoring setValue 2");
-    SpatialGraphSelection some(4, 2);
-    some.selectEdge(0);
-    some.selectVertex(3);
-    String edges, vertices;
-    some.serialize(edges, vertices);
-    evalOk(tcl_, (std::string("V setVisibility ") + edges.getString() + " " + vertices.getString()).c_str());
+    setVisibility({3}, {0});
     std::string visibility = evalOk(tcl_, "V getVisibility");
     KxOffscreenRenderer first(100, 100), second(100, 100);
     render(view, first);
@@ -401,10 +404,7 @@ TEST_F(KxSpatialGraphViewTest, RestoredVisibilityRestoresThePicture) {
     first.getPixel(pixelColumn(0), pixelRow(-2), rgb);
     EXPECT_EQ(rgb[0] + rgb[1] + rgb[2], 0) << "edge 1 is hidden";
 
-    SpatialGraphSelection all(4, 2);
-    all.selectAllVerticesAndEdges();
-    all.serialize(edges, vertices);
-    evalOk(tcl_, (std::string("V setVisibility ") + edges.getString() + " " + vertices.getString()).c_str());
+    setVisibility({0, 1, 2, 3}, {0, 1});
     evalOk(tcl_, ("V setVisibility " + visibility).c_str());
     render(view, second);
     int differing = 0;
@@ -428,16 +428,8 @@ TEST_F(KxSpatialGraphViewTest, LegacyTubesCoverWhereGpuTubesDid) {
     ASSERT_TRUE(view->usesGpuTubes());
     KxOffscreenRenderer renderer(100, 100);
     render(view, renderer);
-    auto coverage = [&renderer] {
-        std::vector<bool> covered;
-        for (float y : {2.8f, 2.4f, 2.0f, 1.6f, 1.2f, -1.2f, -1.6f, -2.0f, -2.4f, -2.8f}) {
-            unsigned char rgb[3];
-            renderer.getPixel(pixelColumn(1.0f), pixelRow(y), rgb);
-            covered.push_back(rgb[0] + rgb[1] + rgb[2] > 0);
-        }
-        return covered;
-    };
-    std::vector<bool> gpu = coverage();
+    const std::vector<float> probes = {2.8f, 2.4f, 2.0f, 1.6f, 1.2f, -1.2f, -1.6f, -2.0f, -2.4f, -2.8f};
+    std::vector<bool> gpu = coverage(renderer, 1.0f, probes);
     EXPECT_EQ(gpu, std::vector<bool>({false, true, true, true, false, false, true, true, true, false}));
 
     setenv("KORVA_LEGACY_TUBES", "1", 1);
@@ -449,5 +441,5 @@ TEST_F(KxSpatialGraphViewTest, LegacyTubesCoverWhereGpuTubesDid) {
     ASSERT_TRUE(legacy->portData.connect(graph_));
     evalOk(tcl_, script);
     render(legacy, renderer);
-    EXPECT_EQ(coverage(), gpu);
+    EXPECT_EQ(coverage(renderer, 1.0f, probes), gpu);
 }
