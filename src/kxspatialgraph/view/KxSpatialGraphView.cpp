@@ -460,7 +460,9 @@ int KxSpatialGraphView::parseSetVisibility(Tcl_Interp* interp, int argc, char** 
         visible_.selectAllPointsOnEdgesFromSelection(visible_);
         rebuildSceneGraph();
     }
-    Tcl_Free(reinterpret_cast<char*>(words));
+    if (words) {
+        Tcl_Free(reinterpret_cast<char*>(words));
+    }
     return result;
 }
 
