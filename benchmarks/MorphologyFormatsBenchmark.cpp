@@ -37,7 +37,7 @@ void BM_SWCImport(benchmark::State& state) {
         benchmark::DoNotOptimize(graph.get());
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
-    state.SetLabel("goal >= 240 MB/s");
+    state.SetLabel("goal: >= 240 MB/s");
 }
 
 template <class Write>

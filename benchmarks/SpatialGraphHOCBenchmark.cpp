@@ -33,7 +33,7 @@ std::string exportPath() {
 
 void setThroughput(benchmark::State& state, size_t bytes) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
-    state.SetLabel("goal >= 50 MB/s");
+    state.SetLabel("goal: >= 50 MB/s");
 }
 
 void BM_ImportHOC(benchmark::State& state) {
