@@ -67,10 +67,8 @@ void takeParameters(KxSpatialGraph* graph, const KorvaMesh& mesh) {
 }
 
 void addVertices(KxSpatialGraph* graph, const KorvaMesh::Data* coords) {
-    const Vec3f* c = static_cast<const Vec3f*>(coords->getValues());
-    for (int64_t v = 0; v < coords->getLocation()->getSize(); ++v) {
-        graph->addVertex(c[v]);
-    }
+    graph->appendMultipleVertices(static_cast<const Vec3f*>(coords->getValues()),
+                                  static_cast<int>(coords->getLocation()->getSize()));
 }
 
 // Deliberate: both layouts refuse an edge whose end is not a vertex, rather
@@ -113,6 +111,25 @@ void copyValues(GraphAttribute* attribute, const void* src, size_t srcBytes) {
     }
 }
 
+// The array's values go straight into the new attribute when the array holds
+// a value for every element (a point array may hold more points than the
+// edges use); otherwise the attribute starts at zero and takes what there is.
+GraphAttribute* addAttributeWithValues(KxSpatialGraph* graph, const KorvaMesh::Data* d,
+                                       KxSpatialGraph::Location loc) {
+    const int elements = loc == KxSpatialGraph::VERTEX ? graph->getNumVertices()
+                         : loc == KxSpatialGraph::EDGE ? graph->getNumEdges()
+                                                       : graph->getTotalNumEdgePoints();
+    const bool complete = d->getNumBytes() >= static_cast<size_t>(elements) *
+                                                  static_cast<size_t>(d->getNumComponents()) *
+                                                  d->getPrimType().getSize();
+    GraphAttribute* a = graph->addAttribute(d->getName(), loc, d->getPrimType(), d->getNumComponents(),
+                                            complete ? d->getValues() : nullptr);
+    if (a && !complete) {
+        copyValues(a, d->getValues(), d->getNumBytes());
+    }
+    return a;
+}
+
 bool isGraphArray(const char* name) {
     for (const char* fixed : kArrayNames) {
         if (std::strcmp(name, fixed) == 0) {
@@ -136,11 +153,9 @@ bool addAttributes(KxSpatialGraph* graph, const KorvaMesh& mesh) {
             (loc == KxSpatialGraph::POINT && std::strcmp(location, "POINT") != 0)) {
             continue;
         }
-        GraphAttribute* a = graph->addAttribute(d->getName(), loc, d->getPrimType(), d->getNumComponents());
-        if (!a) {
+        if (!addAttributeWithValues(graph, d, loc)) {
             continue;
         }
-        copyValues(a, d->getValues(), d->getNumBytes());
         if (KxParamBundle* bundle = graph->parameters().getBundle(d->getName())) {
             labelsOk = HierarchicalLabels::isConsistent(bundle) && labelsOk;
             graph->addExistingLabelGroup(bundle);
@@ -319,12 +334,7 @@ KxSpatialGraph* readKorvaMeshToSpatialGraph(const KorvaMesh& mesh, const char* f
     const int numEdges = static_cast<int>(a.connectivity->getLocation()->getSize());
     graph->setSizeHint(static_cast<int>(a.vertices->getLocation()->getSize()), numEdges, a.numPoints());
     addVertices(graph, a.vertices);
-    const Vec3f* points = a.pointCoords();
-    for (int e = 0; e < numEdges; ++e) {
-        int n = a.counts()[e];
-        graph->addEdge(a.edgeEnds()[2 * e], a.edgeEnds()[2 * e + 1], points, n);
-        points += n;
-    }
+    graph->appendMultipleEdges(a.edgeEnds(), a.counts(), a.pointCoords(), numEdges);
     bool labelsOk = addAttributes(graph, mesh);
     finishReading(graph, filename);
     if (!labelsOk) {

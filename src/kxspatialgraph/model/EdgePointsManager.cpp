@@ -95,6 +95,18 @@ void EdgePointsManager::addEdge(const Vec3f* pts, int n) {
     offsets_.append(total + n);
 }
 
+void EdgePointsManager::appendEdges(const Vec3f* pts, const int* counts, int n) {
+    EdgeBlockLayout::reserveForGrowth(offsets_,
+                                      static_cast<size_t>(offsets_.size()) + static_cast<size_t>(n));
+    const int total = points_.size();
+    for (int k = 0; k < n; ++k) {
+        offsets_.append(offsets_.last() + counts[k]);
+    }
+    const int added = offsets_.last() - total;
+    EdgeBlockLayout::reserveForGrowth(points_, static_cast<size_t>(total) + static_cast<size_t>(added));
+    points_.append(added, pts);
+}
+
 void EdgePointsManager::insertEdgeBefore(int e, const DArray<Vec3f>& pts) {
     int n = pts.size();
     int at = offsets_[e];

@@ -41,6 +41,9 @@ public:
     // Appends a new last edge. The pointer form must not point into this manager.
     void addEdge(const DArray<Vec3f>& pts) { addEdge(pts.dataPtr(), pts.size()); }
     void addEdge(const Vec3f* pts, int n);
+    // Appends n new last edges, edge k with counts[k] points taken in order
+    // from pts, growing each array once. pts must not point into this manager.
+    void appendEdges(const Vec3f* pts, const int* counts, int n);
     // Inserts a new edge at index e (e = edge count appends).
     void insertEdgeBefore(int e, const DArray<Vec3f>& pts);
     void removeEdge(int e);

@@ -21,11 +21,16 @@ void EdgeVertexAttribute::reserveValues(int n) {
     bytes_.resize(grown * getElementSize(), 0);
 }
 
-void EdgeVertexAttribute::init(int n) {
+void EdgeVertexAttribute::init(int n, const void* values) {
     if (n <= 0) {
         return;
     }
-    bytes_.assign(offset(n), 0);
+    if (values) {
+        const auto* first = static_cast<const unsigned char*>(values);
+        bytes_.assign(first, first + offset(n));
+    } else {
+        bytes_.assign(offset(n), 0);
+    }
     count_ = n;
 }
 

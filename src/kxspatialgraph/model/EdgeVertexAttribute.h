@@ -22,8 +22,8 @@ public:
     // Values the buffer holds without reallocating.
     int capacity() const;
 
-    // If n > 0: n zero values.
-    void init(int n);
+    // If n > 0: n values copied from values, or n zero values if it is null.
+    void init(int n, const void* values = nullptr);
     // If n is not -1 and exceeds the count: reallocates to exactly n values
     // (no growth factor) and zeroes those past the count.
     void remax(int n);

@@ -161,6 +161,32 @@ int KxSpatialGraph::addEdge(int s, int t, const Vec3f* points, int numPoints) {
     return e;
 }
 
+void KxSpatialGraph::appendMultipleVertices(const Vec3f* coords, int n) {
+    coords_.append(n, coords);
+    incidence_.resize(incidence_.size() + n);
+    for (EdgeVertexAttribute* a : vertexAttributes_) {
+        a->append(n);
+    }
+}
+
+void KxSpatialGraph::appendMultipleEdges(const int* ends, const int* pointCounts, const Vec3f* points,
+                                         int n) {
+    const int first = edges_.size();
+    edges_.reserve(first + n);
+    for (int k = 0; k < n; ++k) {
+        edges_.append(SpatialGraphEdge(ends[2 * k], ends[2 * k + 1]));
+        attachEdge(first + k, ends[2 * k]);
+        attachEdge(first + k, ends[2 * k + 1]);
+    }
+    points_.appendEdges(points, pointCounts, n);
+    for (EdgeVertexAttribute* a : edgeAttributes_) {
+        a->append(n);
+    }
+    for (PointAttribute* a : pointAttributes_) {
+        a->appendEdges(pointCounts, n);
+    }
+}
+
 // ---- Removing one element ------------------------------------------------------------
 
 void KxSpatialGraph::removeVertex(int v) {

@@ -111,6 +111,13 @@ public:
     int addEdge(int s, int t);
     int addEdge(int s, int t, const DArray<Vec3f>& points);
     int addEdge(int s, int t, const Vec3f* points, int numPoints);
+    // The bulk forms of addVertex and addEdge, for readers: n new vertices
+    // with coords, or n new edges, edge k from ends[2k] to ends[2k + 1] with
+    // pointCounts[k] points taken in order from points. Every array grows once
+    // to its final size and is filled in one pass; attributes get zero values.
+    // Nothing is checked, as with addEdge.
+    void appendMultipleVertices(const Vec3f* coords, int n);
+    void appendMultipleEdges(const int* ends, const int* pointCounts, const Vec3f* points, int n);
 
     // Removes vertex v; later vertices and edge ends above v move down. The
     // vertex must have no edges: an edge still attached keeps index v, which
@@ -183,6 +190,10 @@ public:
     // unchanged; replaces one of that name with another type or nDataVar;
     // otherwise creates one with zero values. Null for an unknown location.
     GraphAttribute* addAttribute(const char* name, Location loc, PrimType type, int nDataVar);
+    // As above, but the attribute's values are copied from values (which
+    // must hold one value per element of the location) instead of zeroed.
+    GraphAttribute* addAttribute(const char* name, Location loc, PrimType type, int nDataVar,
+                                 const void* values);
     // First attribute of that location with exactly that name (case-sensitive); null if none.
     GraphAttribute* findAttribute(Location loc, const char* name) const;
     EdgeVertexAttribute* findVertexAttribute(const char* name) const;

@@ -151,31 +151,36 @@ void KxSpatialGraph::deleteAllAttributes() {
 // ---- Attribute operations ------------------------------------------------------------
 
 GraphAttribute* KxSpatialGraph::addAttribute(const char* name, Location loc, PrimType type, int nDataVar) {
+    return addAttribute(name, loc, type, nDataVar, nullptr);
+}
+
+GraphAttribute* KxSpatialGraph::addAttribute(const char* name, Location loc, PrimType type, int nDataVar,
+                                             const void* values) {
     if (loc != VERTEX && loc != EDGE && loc != POINT) {
         return nullptr;
     }
     if (GraphAttribute* existing = findAttribute(loc, name)) {
         if (existing->getNumDataVar() == nDataVar && existing->getPrimType() == type.getType()) {
+            if (values && existing->size() > 0) {
+                std::memcpy(existing->dataPtr(), values,
+                            static_cast<size_t>(existing->size()) * existing->getElementSize());
+            }
             return existing;
         }
         deleteAttribute(existing);
     }
     if (loc == POINT) {
         PointAttribute* a = new PointAttribute(this, name, type, nDataVar);
-        DArray<int> counts(getNumEdges());
-        for (int e = 0; e < getNumEdges(); ++e) {
-            counts[e] = getNumEdgePoints(e);
-        }
-        a->init(counts);
+        a->init(points_.getOffsets(), values);
         pointAttributes_.append(a);
         return a;
     }
     EdgeVertexAttribute* a = new EdgeVertexAttribute(this, name, type, nDataVar);
     if (loc == EDGE) {
-        a->init(getNumEdges());
+        a->init(getNumEdges(), values);
         edgeAttributes_.append(a);
     } else {
-        a->init(getNumVertices());
+        a->init(getNumVertices(), values);
         vertexAttributes_.append(a);
     }
     return a;

@@ -30,14 +30,24 @@ void PointAttribute::closeValues(int at, int n) {
     bytes_.resize(elementBytes(total - n));
 }
 
-void PointAttribute::init(const DArray<int>& pointCounts) {
-    offsets_.clear();
-    offsets_.reserve(pointCounts.size() + 1);
-    offsets_.append(0);
-    for (int n : pointCounts) {
-        offsets_.append(offsets_.last() + n);
+void PointAttribute::init(const DArray<int>& offsets, const void* values) {
+    offsets_ = offsets;
+    const size_t bytes = elementBytes(offsets_.last());
+    if (values) {
+        const auto* first = static_cast<const unsigned char*>(values);
+        bytes_.assign(first, first + bytes);
+    } else {
+        bytes_.assign(bytes, 0);
     }
-    bytes_.assign(elementBytes(offsets_.last()), 0);
+}
+
+void PointAttribute::appendEdges(const int* counts, int n) {
+    EdgeBlockLayout::reserveForGrowth(offsets_,
+                                      static_cast<size_t>(offsets_.size()) + static_cast<size_t>(n));
+    for (int k = 0; k < n; ++k) {
+        offsets_.append(offsets_.last() + counts[k]);
+    }
+    resizeValues(offsets_.last());
 }
 
 void PointAttribute::addEdge(int n) {

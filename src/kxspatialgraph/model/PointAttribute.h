@@ -24,8 +24,12 @@ public:
     int getNumEdgePoints(int e) const { return offsets_[e + 1] - offsets_[e]; }
     const DArray<int>& getOffsets() const { return offsets_; }
 
-    // One zero block per edge with pointCounts[e] values; replaces everything.
-    void init(const DArray<int>& pointCounts);
+    // Blocks laid out by offsets (edge count + 1 entries, first 0), holding
+    // the values that values points to, or zeros if it is null; replaces
+    // everything.
+    void init(const DArray<int>& offsets, const void* values);
+    // Appends n blocks of counts[k] zero values for new last edges.
+    void appendEdges(const int* counts, int n);
     // Appends a block of n zero values for a new last edge.
     void addEdge(int n);
     // Appends a block holding v's rows. Deliberate: a block without rows

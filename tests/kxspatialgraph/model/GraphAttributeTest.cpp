@@ -182,7 +182,7 @@ TEST(GraphAttributeTest, PointAttributeBlocksFollowTheirEdges) {
     EXPECT_EQ(empty.size(), 0);
 
     PointAttribute a(&g, "p", PrimType::INT32, 1);
-    a.init(DArray<int>{2, 3});
+    a.init(DArray<int>{0, 2, 5}, nullptr);
     a.setValues(0, rows({1, 2}));
     a.setValues(1, rows({3, 4, 5}));
     EXPECT_EQ(values(a), (Ints{1, 2, -1, 3, 4, 5, -1}));
