@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <vector>
 
 #include "korva/base/DArray.h"
+#include "korva/base/HugePages.h"
 #include "kxspatialgraph/model/SpatialGraphPoint.h"
 
 // Block moves shared by EdgePointsManager and PointAttribute. Both keep the
@@ -15,8 +17,9 @@ class EdgeBlockLayout {
 public:
     // Reserves room for `needed` elements, growing to max(floor(n * 1.5), needed)
     // where n is the current count, so that repeated inserts stay amortised O(1).
-    template <class Vector>
-    static void reserveForGrowth(Vector& v, size_t needed);
+    // A new large buffer gets huge pages (HugePages::reserve).
+    template <class T>
+    static void reserveForGrowth(std::vector<T>& v, size_t needed);
 
     // Moves elements [at, count) up by n; the buffer must hold count + n elements.
     static void openGap(unsigned char* data, size_t elementSize, size_t count, size_t at, size_t n);
@@ -52,12 +55,10 @@ public:
                                        const DArray<SpatialGraphPoint>& at, const DArray<int>& counts);
 };
 
-template <class Vector>
-void EdgeBlockLayout::reserveForGrowth(Vector& v, size_t needed) {
-    size_t capacity = static_cast<size_t>(v.capacity());
-    if (needed <= capacity) {
+template <class T>
+void EdgeBlockLayout::reserveForGrowth(std::vector<T>& v, size_t needed) {
+    if (needed <= v.capacity()) {
         return;
     }
-    size_t n = static_cast<size_t>(v.size());
-    v.reserve(std::max(n * 3 / 2, needed));
+    HugePages::reserve(v, std::max(v.size() * 3 / 2, needed));
 }

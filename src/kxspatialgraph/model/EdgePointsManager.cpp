@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "korva/base/HugePages.h"
 #include "kxspatialgraph/model/EdgeBlockLayout.h"
 
 static_assert(sizeof(Vec3f) == 3 * sizeof(float), "points are stored as packed float triples");
@@ -27,7 +28,7 @@ DArray<Vec3f> EdgePointsManager::getEdgePoints(int e) const {
 }
 
 void EdgePointsManager::growTo(int count) {
-    EdgeBlockLayout::reserveForGrowth(points_, static_cast<size_t>(count));
+    EdgeBlockLayout::reserveForGrowth(points_.std(), static_cast<size_t>(count));
     points_.resize(count);
 }
 
@@ -96,14 +97,14 @@ void EdgePointsManager::addEdge(const Vec3f* pts, int n) {
 }
 
 void EdgePointsManager::appendEdges(const Vec3f* pts, const int* counts, int n) {
-    EdgeBlockLayout::reserveForGrowth(offsets_,
+    EdgeBlockLayout::reserveForGrowth(offsets_.std(),
                                       static_cast<size_t>(offsets_.size()) + static_cast<size_t>(n));
     const int total = points_.size();
     for (int k = 0; k < n; ++k) {
         offsets_.append(offsets_.last() + counts[k]);
     }
     const int added = offsets_.last() - total;
-    EdgeBlockLayout::reserveForGrowth(points_, static_cast<size_t>(total) + static_cast<size_t>(added));
+    EdgeBlockLayout::reserveForGrowth(points_.std(), static_cast<size_t>(total) + static_cast<size_t>(added));
     points_.append(added, pts);
 }
 
@@ -155,10 +156,10 @@ void EdgePointsManager::removeMultipleEdges(const DArray<int>& indices) {
 
 void EdgePointsManager::setSizeHint(int numPoints, int numEdges) {
     if (numPoints > points_.size()) {
-        points_.reserve(numPoints);
+        HugePages::reserve(points_.std(), static_cast<size_t>(numPoints));
     }
     if (numEdges + 1 > offsets_.size()) {
-        offsets_.reserve(numEdges + 1);
+        HugePages::reserve(offsets_.std(), static_cast<size_t>(numEdges) + 1);
     }
 }
 

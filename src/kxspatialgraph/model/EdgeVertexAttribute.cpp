@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "korva/base/HugePages.h"
 #include "kxspatialgraph/model/EdgeBlockLayout.h"
 
 EdgeVertexAttribute::EdgeVertexAttribute(KxSpatialGraph* graph, const char* name, PrimType type, int nDataVar)
@@ -18,6 +19,7 @@ void EdgeVertexAttribute::reserveValues(int n) {
         return;
     }
     size_t grown = std::max(static_cast<size_t>(capacity()) * 3 / 2, static_cast<size_t>(n));
+    HugePages::reserve(bytes_, grown * getElementSize());
     bytes_.resize(grown * getElementSize(), 0);
 }
 
@@ -25,6 +27,7 @@ void EdgeVertexAttribute::init(int n, const void* values) {
     if (n <= 0) {
         return;
     }
+    HugePages::reserve(bytes_, offset(n));
     if (values) {
         const auto* first = static_cast<const unsigned char*>(values);
         bytes_.assign(first, first + offset(n));

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "korva/base/HugePages.h"
+#include "kxspatialgraph/model/EdgeBlockLayout.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraphInterfaceImpl.h"
@@ -162,7 +164,9 @@ int KxSpatialGraph::addEdge(int s, int t, const Vec3f* points, int numPoints) {
 }
 
 void KxSpatialGraph::appendMultipleVertices(const Vec3f* coords, int n) {
+    EdgeBlockLayout::reserveForGrowth(coords_.std(), static_cast<size_t>(coords_.size() + n));
     coords_.append(n, coords);
+    EdgeBlockLayout::reserveForGrowth(incidence_.std(), static_cast<size_t>(incidence_.size() + n));
     incidence_.resize(incidence_.size() + n);
     for (EdgeVertexAttribute* a : vertexAttributes_) {
         a->append(n);
@@ -172,7 +176,7 @@ void KxSpatialGraph::appendMultipleVertices(const Vec3f* coords, int n) {
 void KxSpatialGraph::appendMultipleEdges(const int* ends, const int* pointCounts, const Vec3f* points,
                                          int n) {
     const int first = edges_.size();
-    edges_.reserve(first + n);
+    EdgeBlockLayout::reserveForGrowth(edges_.std(), static_cast<size_t>(first + n));
     for (int k = 0; k < n; ++k) {
         edges_.append(SpatialGraphEdge(ends[2 * k], ends[2 * k + 1]));
         attachEdge(first + k, ends[2 * k]);
@@ -419,15 +423,15 @@ void KxSpatialGraph::setEdgeTarget(int e, int v) {
 
 void KxSpatialGraph::setSizeHint(int numVertices, int numEdges, int numPoints) {
     if (numVertices > coords_.capacity()) {
-        int n = std::max(numVertices, coords_.size());
-        coords_.reserve(n);
-        incidence_.reserve(n);
+        size_t n = static_cast<size_t>(std::max(numVertices, coords_.size()));
+        HugePages::reserve(coords_.std(), n);
+        HugePages::reserve(incidence_.std(), n);
         for (EdgeVertexAttribute* a : vertexAttributes_) {
             a->remax(numVertices);
         }
     }
     if (numEdges > edges_.capacity()) {
-        edges_.reserve(std::max(numEdges, edges_.size()));
+        HugePages::reserve(edges_.std(), static_cast<size_t>(std::max(numEdges, edges_.size())));
         for (EdgeVertexAttribute* a : edgeAttributes_) {
             a->remax(numEdges);
         }

@@ -401,6 +401,9 @@ private:
     int incidenceMultiplicity(int e, int v) const;
     std::vector<int> expectedDegrees() const;
     bool incidenceListMatches(int v, int degree, std::vector<uint8_t>& counts) const;
+    bool incidenceEntriesMatch(int v, std::vector<uint8_t>& counts) const;
+    // Edge ends at vertices 0 .. numLists - 1.
+    int64_t numEdgeEndsBelow(int numLists) const;
     void reportIncidenceFaults(const std::vector<int>& faulty, const std::vector<int>& degree) const;
     // Prints the end-point error when point is farther than the tolerance
     // from vertex v; end is "source" or "target".

@@ -56,6 +56,15 @@ int KxSpatialGraph::incidenceMultiplicity(int e, int v) const {
     return (getEdgeSource(e) == v ? 1 : 0) + (getEdgeTarget(e) == v ? 1 : 0);
 }
 
+int64_t KxSpatialGraph::numEdgeEndsBelow(int numLists) const {
+    int64_t ends = 0;
+    for (const SpatialGraphEdge& edge : edges_) {
+        ends += (edge.getSource() >= 0 && edge.getSource() < numLists ? 1 : 0) +
+                (edge.getTarget() >= 0 && edge.getTarget() < numLists ? 1 : 0);
+    }
+    return ends;
+}
+
 // How many entries each vertex's list must have: one per edge end at it.
 std::vector<int> KxSpatialGraph::expectedDegrees() const {
     std::vector<int> degree(static_cast<size_t>(getNumVertices()), 0);
@@ -71,13 +80,15 @@ std::vector<int> KxSpatialGraph::expectedDegrees() const {
 
 // The list of v holds exactly its expected edges, each as often as it has
 // ends at v, when it is as long as the expected degree and every listed
-// edge is listed as often as it has ends at v. counts is per-edge scratch,
-// all zero before and after.
+// edge is listed as often as it has ends at v.
 bool KxSpatialGraph::incidenceListMatches(int v, int degree, std::vector<uint8_t>& counts) const {
+    return incidence_[v].size() == degree && incidenceEntriesMatch(v, counts);
+}
+
+// Every edge listed for v is an edge and is listed as often as it has ends at
+// v. counts is per-edge scratch, all zero before and after.
+bool KxSpatialGraph::incidenceEntriesMatch(int v, std::vector<uint8_t>& counts) const {
     const IncidenceList& list = incidence_[v];
-    if (list.size() != degree) {
-        return false;
-    }
     for (int e : list) {
         if (e < 0 || e >= getNumEdges()) {
             return false;
@@ -104,10 +115,24 @@ bool KxSpatialGraph::checkIncidenceLists() const {
                        getNumVertices());
         ok = false;
     }
-    std::vector<int> degree = expectedDegrees();
+    // Every list holding only its own edges, each as often as it has ends
+    // there, and the lists together as long as there are edge ends at their
+    // vertices, means every list is complete. Only when that fails are the
+    // expected degrees counted, to find the faulty lists.
+    const int numLists = std::min(getNumVertices(), incidence_.size());
     std::vector<uint8_t> counts(static_cast<size_t>(getNumEdges()), 0);
+    int64_t listed = 0;
+    bool entriesMatch = true;
+    for (int v = 0; v < numLists; ++v) {
+        listed += incidence_[v].size();
+        entriesMatch = incidenceEntriesMatch(v, counts) && entriesMatch;
+    }
+    if (entriesMatch && listed == numEdgeEndsBelow(numLists)) {
+        return ok;
+    }
+    std::vector<int> degree = expectedDegrees();
     std::vector<int> faulty;
-    for (int v = 0; v < std::min(getNumVertices(), incidence_.size()); ++v) {
+    for (int v = 0; v < numLists; ++v) {
         if (!incidenceListMatches(v, degree[static_cast<size_t>(v)], counts)) {
             faulty.push_back(v);
         }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "korva/base/HugePages.h"
 #include "kxspatialgraph/model/EdgeBlockLayout.h"
 
 PointAttribute::PointAttribute(KxSpatialGraph* graph, const char* name, PrimType type, int nDataVar)
@@ -33,6 +34,7 @@ void PointAttribute::closeValues(int at, int n) {
 void PointAttribute::init(const DArray<int>& offsets, const void* values) {
     offsets_ = offsets;
     const size_t bytes = elementBytes(offsets_.last());
+    HugePages::reserve(bytes_, bytes);
     if (values) {
         const auto* first = static_cast<const unsigned char*>(values);
         bytes_.assign(first, first + bytes);
@@ -42,7 +44,7 @@ void PointAttribute::init(const DArray<int>& offsets, const void* values) {
 }
 
 void PointAttribute::appendEdges(const int* counts, int n) {
-    EdgeBlockLayout::reserveForGrowth(offsets_,
+    EdgeBlockLayout::reserveForGrowth(offsets_.std(),
                                       static_cast<size_t>(offsets_.size()) + static_cast<size_t>(n));
     for (int k = 0; k < n; ++k) {
         offsets_.append(offsets_.last() + counts[k]);
