@@ -8,6 +8,8 @@
 #include <cstring>
 #include <new>
 
+#include "korva/base/DecimalParser.h"
+#include "korva/base/HugePages.h"
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxParamBundle.h"
@@ -52,6 +54,15 @@ const char* matchingBrace(KxTextScanner& scanner, std::string& error) {
             return scanner.position() - 1;
         }
     }
+}
+
+template <class T>
+std::from_chars_result parseNumber(const char* first, const char* last, T& value) {
+    return std::from_chars(first, last, value);
+}
+
+std::from_chars_result parseNumber(const char* first, const char* last, float& value) {
+    return DecimalParser::parse(first, last, value);
 }
 
 }  // namespace
@@ -538,6 +549,7 @@ bool KorvaMeshReader::readAsciiData() {
             return fail("not enough memory for the %zu bytes of array \"%s\".", bytes,
                         printable(e.name).c_str());
         }
+        HugePages::advise(owned.get(), bytes + 1);
         bool ok = false;
         KorvaMeshFormat::visitType(e.type, [&](auto* type) {
             ok = parseAsciiValues(e, reinterpret_cast<decltype(type)>(owned.get()));
@@ -565,7 +577,7 @@ bool KorvaMeshReader::parseAsciiValues(const ArrayEntry& e, T* out) {
                         printable(e.name).c_str(), static_cast<unsigned long long>(k),
                         static_cast<unsigned long long>(e.numValues));
         }
-        std::from_chars_result r = std::from_chars(p, end_, out[k]);
+        std::from_chars_result r = parseNumber(p, end_, out[k]);
         if (r.ec != std::errc() || (r.ptr < end_ && !KxTextScanner::isBlank(*r.ptr))) {
             const char* stop = p;
             while (stop < end_ && !KxTextScanner::isBlank(*stop) && stop - p < 40) {
