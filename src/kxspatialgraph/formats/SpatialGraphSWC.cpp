@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "korva/base/DecimalParser.h"
 #include "korva/base/HashTable.h"
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
@@ -75,7 +76,7 @@ bool parseNumber(const char* p, const char* end, int& value) {
 
 bool parseNumber(const char* p, const char* end, float& value) {
     p = skipPlus(p, end);
-    std::from_chars_result r = std::from_chars(p, end, value);
+    std::from_chars_result r = DecimalParser::parse(p, end, value);
     return r.ec == std::errc() && r.ptr == end && std::isfinite(value);
 }
 
@@ -282,10 +283,10 @@ void SWCReader::walkRun(KxSpatialGraph* graph, int start) {
 }
 
 void SWCReader::addAttributes(KxSpatialGraph* graph) {
-    GraphAttribute* thickness = graph->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
+    graph->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1,
+                        radii_.empty() ? nullptr : radii_.data());
     graph->addNewLabelGroup("Topology", false, false, true);
     GraphAttribute* topology = graph->findEdgePointAttribute("Topology");
-    std::copy(radii_.begin(), radii_.end(), static_cast<float*>(thickness->dataPtr()));
     std::copy(pointTypes_.begin(), pointTypes_.end(), static_cast<int*>(topology->dataPtr()));
     graph->parameters().getBundle("Topology")->setColor(Color(0.8f, 0.8f, 0.8f));
     types_.forEach([&](int type, int) {
