@@ -8,6 +8,7 @@
 
 #include "korva/base/DecimalParser.h"
 #include "korva/base/HashTable.h"
+#include "korva/base/HugePages.h"
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxSafeFile.h"
@@ -23,6 +24,7 @@ namespace {
 
 // One SWC id: what its line said, and how many lines name it as parent.
 struct SWCRecord {
+    int id = 0;
     int type = 0;
     Vec3f position;
     float radius = 0.0f;
@@ -33,14 +35,34 @@ struct SWCRecord {
     bool defined = false;  // false for an id only named as a parent
 };
 
-// The hash of SWC ids. Ids mostly count up, so neighbouring ids keep
-// neighbouring slots (within blocks of 65536), which turns the misses of a
-// large table into a stream; the bits above 16 are spread by a multiplier.
-struct SWCIdHashing : HashKeyTraits<int> {
-    static uint64_t hash(int id) {
-        uint64_t x = static_cast<uint32_t>(id);
-        return x + (x >> 16) * 0x9e3779b97f4a7c15ull;
+// Record indices by SWC id. Files number their lines mostly 1, 2, 3 ...,
+// so the ids from -1 up to about twice the number of lines index a plain
+// array: no hashing, and neighbouring ids share cache lines. Any other id
+// goes to a hash table.
+class SWCIdIndex {
+public:
+    explicit SWCIdIndex(size_t numLines) {
+        HugePages::reserve(dense_, 2 * numLines + 18);
+        dense_.assign(dense_.capacity(), -1);
     }
+
+    // The index of id's record; if id is new, next is stored and inserted set.
+    int findOrInsert(int id, int next, bool& inserted) {
+        const size_t slot = static_cast<size_t>(static_cast<int64_t>(id) + 1);
+        if (slot < dense_.size()) {
+            int& index = dense_[slot];
+            inserted = index < 0;
+            if (inserted) {
+                index = next;
+            }
+            return index;
+        }
+        return sparse_.findOrInsert(id, next, inserted);
+    }
+
+private:
+    std::vector<int> dense_;  // id + 1 -> record index, -1 where none
+    HashTable<int, int> sparse_;
 };
 
 // Deliberate: the counter lives for the whole process, so label colours
@@ -84,7 +106,11 @@ bool parseNumber(const char* p, const char* end, float& value) {
 class SWCReader {
 public:
     SWCReader(const char* bytes, size_t size, const char* name)
-        : begin_(bytes), end_(bytes + size), name_(name) {}
+        : begin_(bytes),
+          end_(bytes + size),
+          name_(name),
+          numLines_(static_cast<size_t>(std::count(begin_, end_, '\n'))),
+          ids_(numLines_ + 1) {}
 
     bool parse();
     KxSpatialGraph* build();
@@ -102,9 +128,10 @@ private:
     const char* begin_;
     const char* end_;
     const char* name_;
-    HashTable<int, int, SWCIdHashing> ids_;  // id -> index into records_; iterates in records_'s order
-    std::vector<SWCRecord> records_;
-    HashTable<int, int> types_;  // the types that occur, in order of appearance
+    size_t numLines_;
+    SWCIdIndex ids_;
+    std::vector<SWCRecord> records_;  // in the order the lines first name their ids
+    HashTable<int, int> types_;       // the types that occur, in order of appearance
     int lastType_ = 0;
     int lastId_ = 0;
     int lastIndex_ = -1;
@@ -117,9 +144,7 @@ private:
 };
 
 bool SWCReader::parse() {
-    const size_t approxLines = static_cast<size_t>(std::count(begin_, end_, '\n'));
-    records_.reserve(approxLines + 1);
-    ids_.reserve(static_cast<int>(std::min<size_t>(approxLines + 1, 1u << 30)));
+    HugePages::reserve(records_, numLines_ + 1);
     theWorkArea->startWorking(String::format("Reading %s", name_), 0);
     int line = 0;
     for (const char* p = begin_; p < end_;) {
@@ -199,9 +224,9 @@ bool SWCReader::parseLine(const char* p, const char* end, int line) {
 
 int SWCReader::recordOf(int id) {
     bool inserted = false;
-    int& index = ids_.findOrInsert(id, static_cast<int>(records_.size()), inserted);
+    int index = ids_.findOrInsert(id, static_cast<int>(records_.size()), inserted);
     if (inserted) {
-        records_.emplace_back();
+        records_.emplace_back().id = id;
     }
     return index;
 }
@@ -234,11 +259,11 @@ void SWCReader::addRecord(int id, int type, const Vec3f& position, float radius,
 void SWCReader::warnAboutGaps() const {
     int numMissing = 0;
     int firstMissing = 0;
-    ids_.forEach([&](int id, int index) {
-        if (id != -1 && !records_[static_cast<size_t>(index)].defined && numMissing++ == 0) {
-            firstMissing = id;
+    for (const SWCRecord& r : records_) {
+        if (r.id != -1 && !r.defined && numMissing++ == 0) {
+            firstMissing = r.id;
         }
-    });
+    }
     if (numMissing > 0) {
         theMsg->printf(
             "Warning: %s: %d parent id(s) have no line of their own (the first: %d); each becomes a point at "
@@ -303,9 +328,8 @@ KxSpatialGraph* SWCReader::build() {
     const int numRecords = static_cast<int>(records_.size());
     graph->setSizeHint(numRuns + 1, numRuns, numRecords + 2 * numRuns);
     const size_t numPoints = records_.size() + 2 * static_cast<size_t>(numRuns);
-    radii_.reserve(numPoints);
-    pointTypes_.reserve(numPoints);
-    // records_ is in the id table's iteration order.
+    HugePages::reserve(radii_, numPoints);
+    HugePages::reserve(pointTypes_, numPoints);
     for (int i = 0; i < numRecords; ++i) {
         SWCRecord& r = records_[static_cast<size_t>(i)];
         if (r.childCount == 1) {

@@ -405,6 +405,52 @@ TEST(SpatialGraphSWCTest, DeepTreesNeedNoDeepStack) {
     }
 }
 
+// The tree's text with every id and parent id of lines [first, end) moved
+// by offset (roots keep -1), and the parents pointing into those lines too.
+std::string withIdsMoved(const std::string& text, int first, int end, long long offset) {
+    std::istringstream in(text);
+    std::ostringstream out;
+    std::string line;
+    auto moved = [&](long long id) { return id >= first && id < end ? id + offset : id; };
+    while (std::getline(in, line)) {
+        std::istringstream fields(line);
+        long long id, parent;
+        std::string type, x, y, z, r;
+        fields >> id >> type >> x >> y >> z >> r >> parent;
+        out << moved(id) << ' ' << type << ' ' << x << ' ' << y << ' ' << z << ' ' << r << ' '
+            << moved(parent) << '\n';
+    }
+    return out.str();
+}
+
+// Ids that count up from 1 and ids anywhere else in int's range are looked up
+// by different means; the graph must not depend on which.
+TEST(SpatialGraphSWCTest, IdsFarFromTheLineCountReadLikeSmallOnes) {
+    const std::string text = MorphologyGenerators::branchingTree(3000, 40);
+    std::unique_ptr<KxSpatialGraph> first = read(text);
+    ASSERT_TRUE(first);
+    // Label colours come from one counter per process, so every read differs there.
+    GraphSnapshot expected = takeSnapshot(*first);
+    expected.parameters.clear();
+    struct Case {
+        int first, end;
+        long long offset;
+    } cases[] = {
+        {1, 3001, 2000000000},   // all beyond
+        {1, 3001, -2000000000},  // all negative
+        {1000, 2000, 100000},    // a middle third beyond, the rest small
+        {2500, 3001, -1000000},  // the last lines negative
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.offset);
+        std::unique_ptr<KxSpatialGraph> g = read(withIdsMoved(text, c.first, c.end, c.offset));
+        ASSERT_TRUE(g);
+        GraphSnapshot actual = takeSnapshot(*g);
+        actual.parameters.clear();
+        EXPECT_EQ(describeDifference(expected, actual, {false, true}), "");
+    }
+}
+
 TEST(SpatialGraphSWCTest, NumbersIgnoreTheLocale) {
     DecimalCommaLocale locale;
     if (!locale.active()) {
