@@ -50,10 +50,7 @@ std::string positionKey(const float* p) {
 }  // namespace
 
 HocParser::HocParser(const char* text, size_t length, bool debug)
-    : scanner_(text, length),
-      debug_(debug),
-      numLines_(1.0f + static_cast<float>(std::count(text, text + length, '\n'))),
-      graph_(new KxSpatialGraph) {
+    : scanner_(text, length), debug_(debug), graph_(new KxSpatialGraph) {
     graph_->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
     graph_->addNewLabelGroup("Ranks", true, false, false);
 }
@@ -138,7 +135,7 @@ bool HocParser::parse() {
                 break;
             case HocScanner::NEWLINE:
                 if ((scanner_.line() & 0xfff) == 0) {
-                    theWorkArea->setProgressValue(static_cast<float>(scanner_.line()) / numLines_);
+                    theWorkArea->setProgressValue(scanner_.fractionRead());
                 }
                 break;
             default:

@@ -72,7 +72,6 @@ private:
 
     HocScanner scanner_;
     bool debug_;
-    float numLines_;    // for the progress
     int pending_ = -2;  // a tag read ahead, or -2
     int lastTag_ = 0;
     int current_ = -1;

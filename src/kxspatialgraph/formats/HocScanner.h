@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
-#include <vector>
 
 // Tokens of the HOC subset that describes neuron morphologies, from a flex
 // scanner (hocscanner.l) reading a caller's buffer. Blanks, "//" comments and
@@ -53,10 +53,13 @@ public:
     double number() const { return state_.number; }
     int line() const { return state_.tokenLine; }
     const std::string& echo() const { return state_.echo; }
+    // How much of the text lies before the last token, from 0 to 1.
+    float fractionRead() const;
 
 private:
     State state_;
-    std::vector<char> buffer_;
+    std::unique_ptr<char[]> buffer_;
+    size_t size_;
     void* scanner_ = nullptr;
     bool ended_ = false;
 };
