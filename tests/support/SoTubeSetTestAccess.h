@@ -22,6 +22,8 @@ public:
     }
     static SbColor lineColor(const SoTubeSet& t, unsigned int line) { return t.getLineColor(line); }
     static const std::vector<float>& colormap(const SoTubeSet& t) { return t.colormap_; }
+    static void setLevelOfDetail(SoTubeSet& t, bool on) { t.levelOfDetail_ = on; }
+    static size_t numKeptPoints(const SoTubeSet& t) { return t.keptPoints_.size(); }
 
     static ContextGroup* prepareContext(SoTubeSet& t, int contextId, bool* created = nullptr) {
         return t.prepareContext(contextId, created);

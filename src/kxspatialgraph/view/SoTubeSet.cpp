@@ -4,6 +4,10 @@
 #include <cmath>
 
 #include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/elements/SoModelMatrixElement.h>
+#include <Inventor/elements/SoProjectionMatrixElement.h>
+#include <Inventor/elements/SoViewingMatrixElement.h>
+#include <Inventor/elements/SoViewportRegionElement.h>
 #include <Inventor/misc/SoContextHandler.h>
 
 #include "korva/data/KxColormap.h"
@@ -75,6 +79,8 @@ void SoTubeSet::setNumLines(unsigned int n) {
     visible.setAll(static_cast<int>(n), true);
     highlighted.setAll(static_cast<int>(n), false);
     geometryDirty_ = true;
+    keptPointsValid_ = false;
+    keptBegin_.clear();
 }
 
 void SoTubeSet::setLine(unsigned int line, int count, const Vec3f* points) {
@@ -84,6 +90,8 @@ void SoTubeSet::setLine(unsigned int line, int count, const Vec3f* points) {
     pointCounts_[line] = points ? std::max(count, 0) : 0;
     points_[line] = points;
     geometryDirty_ = true;
+    keptPointsValid_ = false;
+    keptBegin_.clear();
 }
 
 void SoTubeSet::setLineRadii(unsigned int line, const float* radii) {
@@ -202,6 +210,8 @@ SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* create
             *created = true;
         }
     }
+    // A context that comes after the CPU surface was dropped needs it again.
+    geometryDirty_ |= group->geometryDirty && geometryReleased_;
     // The CPU side follows the node's flags once; every context then uploads.
     if (geometryDirty_) {
         generateTubeGeometry();
@@ -253,16 +263,100 @@ void SoTubeSet::contextDestroyedCB(uint32_t contextId, void* data) {
 // ---------------------------------------------------------------------------
 // CPU geometry
 
-void SoTubeSet::generateTubeGeometry() {
-    const unsigned int k = static_cast<unsigned int>(complexity_);
-    size_t totalPoints = 0;
+void SoTubeSet::keepAllPoints() {
+    keptBegin_.assign(numLines_ + 1, 0);
+    keptPoints_.clear();
     for (unsigned int line = 0; line < numLines_; ++line) {
-        totalPoints += static_cast<size_t>(pointCounts_[line]);
+        keptBegin_[line] = static_cast<unsigned int>(keptPoints_.size());
+        for (int i = 0; i < pointCounts_[line]; ++i) {
+            keptPoints_.push_back(i);
+        }
     }
+    keptBegin_[numLines_] = static_cast<unsigned int>(keptPoints_.size());
+}
+
+// Keeps each line's ends, and an inner point when its window position lies a
+// pixel or more from that of the last point kept. A point behind the eye is
+// kept, and so is the one after it.
+void SoTubeSet::keepPointsOnScreen(const SbMatrix& worldToScreen, const SbVec2s& viewport) {
+    const float halfWidth = 0.5f * viewport[0], halfHeight = 0.5f * viewport[1];
+    scratchKept_.clear();
+    std::vector<unsigned int> begin(numLines_ + 1, 0);
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        begin[line] = static_cast<unsigned int>(scratchKept_.size());
+        const int m = pointCounts_[line];
+        const Vec3f* p = points_[line];
+        bool lastOnScreen = false;
+        float lastX = 0.0f, lastY = 0.0f;
+        for (int i = 0; i < m; ++i) {
+            SbVec4f clip;
+            worldToScreen.multVecMatrix(SbVec4f(p[i].x, p[i].y, p[i].z, 1.0f), clip);
+            const bool inFront = clip[3] > 0.0f;
+            const float x = inFront ? halfWidth * clip[0] / clip[3] : 0.0f;
+            const float y = inFront ? halfHeight * clip[1] / clip[3] : 0.0f;
+            const float dx = x - lastX, dy = y - lastY;
+            if (i == 0 || i == m - 1 || !inFront || !lastOnScreen || dx * dx + dy * dy >= 1.0f) {
+                scratchKept_.push_back(i);
+                lastOnScreen = inFront;
+                lastX = x;
+                lastY = y;
+            }
+        }
+    }
+    begin[numLines_] = static_cast<unsigned int>(scratchKept_.size());
+    if (begin != keptBegin_ || scratchKept_ != keptPoints_) {
+        keptBegin_.swap(begin);
+        keptPoints_.swap(scratchKept_);
+        geometryDirty_ = true;
+    }
+}
+
+void SoTubeSet::updateKeptPoints(SoState* state) {
+    if (!levelOfDetail_) {
+        if (keptPointsValid_) {
+            keptPointsValid_ = false;
+            keptBegin_.clear();
+            geometryDirty_ = true;
+        }
+        return;
+    }
+    const SbMatrix worldToScreen = SoModelMatrixElement::get(state) * SoViewingMatrixElement::get(state) *
+                                   SoProjectionMatrixElement::get(state);
+    const SbVec2s viewport = SoViewportRegionElement::get(state).getViewportSizePixels();
+    if (keptPointsValid_ && worldToScreen == keptForMatrix_ && viewport == keptForViewport_) {
+        return;
+    }
+    keepPointsOnScreen(worldToScreen, viewport);
+    keptForMatrix_ = worldToScreen;
+    keptForViewport_ = viewport;
+    keptPointsValid_ = true;
+}
+
+void SoTubeSet::releaseUploadedGeometry() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto& entry : contexts_) {
+        if (entry.second->geometryDirty) {
+            return;
+        }
+    }
+    for (auto* v : {&tubeVertices_, &capVertices_, &capVertexNormals_}) {
+        std::vector<Vec3f>().swap(*v);
+    }
+    std::vector<float>().swap(tubeCenters_);
+    std::vector<unsigned int>().swap(tubeIndices_);
+    geometryReleased_ = true;
+}
+
+void SoTubeSet::generateTubeGeometry() {
+    if (keptBegin_.size() != numLines_ + 1) {
+        keepAllPoints();
+    }
+    const unsigned int k = static_cast<unsigned int>(complexity_);
+    const size_t totalPoints = keptPoints_.size();
     tubeVertices_.clear();
     tubeVertices_.reserve(totalPoints * k);
     tubeCenters_.clear();
-    tubeCenters_.reserve(totalPoints * k * 4);
+    tubeCenters_.reserve(totalPoints * k * 3);
     tubeIndices_.clear();
     tubeIndices_.reserve(totalPoints * k * 2 + numLines_);
     firstIndex_.assign(numLines_, 0);
@@ -270,7 +364,8 @@ void SoTubeSet::generateTubeGeometry() {
     vertexBase_.assign(numLines_, 0);
     PolylineFrames frames;
     for (unsigned int line = 0; line < numLines_; ++line) {
-        const unsigned int m = static_cast<unsigned int>(pointCounts_[line]);
+        const int* kept = keptPoints_.data() + keptBegin_[line];
+        const unsigned int m = keptBegin_[line + 1] - keptBegin_[line];
         const Vec3f* p = points_[line];
         const auto base = static_cast<unsigned int>(tubeVertices_.size());
         vertexBase_[line] = base;
@@ -278,12 +373,14 @@ void SoTubeSet::generateTubeGeometry() {
         if (m == 0) {
             continue;
         }
-        frames.compute(p, static_cast<int>(m), false);
+        // Frames of every point, so that a kept point's ring is the one full detail gives it.
+        frames.compute(p, pointCounts_[line], false);
         for (unsigned int j = 0; j < k; ++j) {
             for (unsigned int i = 0; i < m; ++i) {
-                tubeVertices_.push_back(p[i] + profile_[j].x * frames.normals[i] +
-                                        profile_[j].y * frames.binormals[i]);
-                tubeCenters_.insert(tubeCenters_.end(), {p[i].x, p[i].y, p[i].z, 1.0f});
+                const int q = kept[i];
+                tubeVertices_.push_back(p[q] + profile_[j].x * frames.normals[q] +
+                                        profile_[j].y * frames.binormals[q]);
+                tubeCenters_.insert(tubeCenters_.end(), {p[q].x, p[q].y, p[q].z});
             }
         }
         // One strip: band j joins side j to side j + 1 (the last band joins
@@ -299,6 +396,8 @@ void SoTubeSet::generateTubeGeometry() {
         indexCount_[line] = 2 * k * m;
         tubeIndices_.push_back(kRestartIndex);
     }
+    numTubeVertices_ = tubeVertices_.size();
+    geometryReleased_ = false;
 }
 
 void SoTubeSet::generateCapGeometry() {

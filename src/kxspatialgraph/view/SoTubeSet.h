@@ -9,6 +9,8 @@
 #include <vector>
 
 #include <Inventor/SbColor.h>
+#include <Inventor/SbMatrix.h>
+#include <Inventor/SbVec2s.h>
 #include <Inventor/nodes/SoShape.h>
 #include <Inventor/nodes/SoSubNode.h>
 
@@ -30,7 +32,13 @@ class SoState;
 // Line points, radii and colour values are borrowed from the caller (the
 // graph's edge points and attributes), not copied: they must stay alive and
 // unchanged until the next set-call. Set-calls only mark data dirty; the GPU
-// work happens in GLRender, once per context.
+// work happens in GLRender, once per context, and the CPU copy of the surface
+// is dropped once every context has it.
+//
+// Level of detail: a line's inner points that lie within a pixel on screen of
+// the last point kept before them are left out of its surface (frames still
+// come from every point), so lines far from the camera cost a few rings.
+// Which points are kept is recomputed when the camera or viewport changes.
 class SoTubeSet : public SoShape {
     typedef SoShape inherited;
     SO_NODE_HEADER(SoTubeSet);
@@ -149,6 +157,15 @@ private:
     float pointColorValue(unsigned int line, int point) const;
     unsigned int capFirst(unsigned int line, int end) const { return (2 * line + end) * (complexity_ + 2); }
 
+    // Level of detail: recomputes the kept points for the frame's camera
+    // and viewport when they changed; marks the geometry dirty when the kept
+    // points differ from before.
+    void updateKeptPoints(SoState* state);
+    void keepAllPoints();
+    void keepPointsOnScreen(const SbMatrix& worldToScreen, const SbVec2s& viewport);
+    // Drops the CPU surface once no context needs to upload it.
+    void releaseUploadedGeometry();
+
     static void GLInit(GLContextGroup& group);
     // Deletes the group's GL names (its context current) and the group.
     static void GLFree(GLContextGroup* group);
@@ -209,8 +226,20 @@ private:
     std::unordered_map<int, std::unique_ptr<GLContextGroup>> contexts_;
     std::unique_ptr<KxShaderProgram> program_;
 
+    // Level of detail: keptPoints_[keptBegin_[line] ..] are the indices of
+    // the line's points that get a ring.
+    bool levelOfDetail_ = true;
+    bool keptPointsValid_ = false;
+    SbMatrix keptForMatrix_;
+    SbVec2s keptForViewport_;
+    std::vector<int> keptPoints_;
+    std::vector<unsigned int> keptBegin_;
+    std::vector<int> scratchKept_;
+    bool geometryReleased_ = false;
+    size_t numTubeVertices_ = 0;
+
     std::vector<Vec3f> tubeVertices_;
-    std::vector<float> tubeCenters_;  // 4 per vertex
+    std::vector<float> tubeCenters_;  // 3 per vertex (the program's w is 1)
     std::vector<unsigned int> tubeIndices_;
     std::vector<unsigned int> firstIndex_;
     std::vector<unsigned int> indexCount_;

@@ -76,11 +76,12 @@ void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
     uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], capVertexNormals_);
 }
 
-// Radii and colour values go straight from the borrowed per-point arrays into
-// the mapped buffer, repeated for every side of the ring: no CPU copy is kept.
+// Radii and colour values of the kept points go straight from the borrowed
+// per-point arrays into the mapped buffer, repeated for every side of the
+// ring: no CPU copy is kept.
 void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(unsigned int, int) const) {
     glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(tubeVertices_.size() * sizeof(float)), nullptr,
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(numTubeVertices_ * sizeof(float)), nullptr,
                  GL_STATIC_DRAW);
     auto* out = static_cast<float*>(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY));
     if (!out) {
@@ -88,10 +89,11 @@ void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(
     }
     for (unsigned int line = 0; line < numLines_; ++line) {
         float* dst = out + vertexBase_[line];
-        const int m = pointCounts_[line];
+        const int* kept = keptPoints_.data() + keptBegin_[line];
+        const unsigned int m = keptBegin_[line + 1] - keptBegin_[line];
         for (int j = 0; j < complexity_; ++j) {
-            for (int i = 0; i < m; ++i) {
-                *dst++ = (this->*value)(line, i);
+            for (unsigned int i = 0; i < m; ++i) {
+                *dst++ = (this->*value)(line, kept[i]);
             }
         }
     }
@@ -101,7 +103,7 @@ void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(
 void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
     group.radiiDirty = false;
     uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_CENTERS], capVertexCenters_);
-    if (!constantRadius_ && !tubeVertices_.empty()) {
+    if (!constantRadius_ && numTubeVertices_ > 0) {
         GLUploadPerPoint(group.buffers[TUBE_RADII], &SoTubeSet::pointRadius);
     }
 }
@@ -109,7 +111,7 @@ void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
 void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
     group.colorsDirty = false;
     uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_COLORS], capVertexColors_);
-    if (!constantColor_ && !colorPerLine_ && !tubeVertices_.empty()) {
+    if (!constantColor_ && !colorPerLine_ && numTubeVertices_ > 0) {
         GLUploadPerPoint(group.buffers[TUBE_COLORS], &SoTubeSet::pointColorValue);
     }
 }
@@ -121,11 +123,13 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     SoState* state = action->getState();
     const int contextId = static_cast<int>(SoGLCacheContextElement::get(state));
     SoCacheElement::invalidate(state);
+    updateKeptPoints(state);
     GLContextGroup* group = prepareContext(contextId);
     if (!group) {
         return;
     }
     GLUploadDirtyData(*group);
+    releaseUploadedGeometry();
     SoMaterialBundle bundle(action);
     bundle.sendFirst();
 
@@ -193,7 +197,7 @@ void SoTubeSet::GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms
     glBindBuffer(GL_ARRAY_BUFFER, group.buffers[TUBE_VERTICES]);
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    bindAttribute(CENTER_LOCATION, group.buffers[TUBE_CENTERS], 4);
+    bindAttribute(CENTER_LOCATION, group.buffers[TUBE_CENTERS], 3);
     if (!constantRadius_) {
         bindAttribute(RADIUS_LOCATION, group.buffers[TUBE_RADII], 1);
     }

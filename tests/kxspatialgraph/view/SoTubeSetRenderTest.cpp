@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <cmath>
+#include <random>
+#include <vector>
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoCallback.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 
 #include "korva/data/KxColormap.h"
@@ -222,4 +226,106 @@ TEST(SoTubeSetRenderTest, DestroyedContextFreesEveryNameItCreated) {
     EXPECT_EQ(check.namesBefore, check.expected);
     EXPECT_EQ(check.namesAfter, 0);
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 0);
+}
+
+namespace {
+
+// Smooth arcs sampled far under a pixel apart (as traced centre lines are),
+// radius and colour value changing slowly along them.
+struct FineArcs {
+    static constexpr int kLines = 60, kPoints = 400;
+    std::vector<Vec3f> points;
+    std::vector<float> values, radii;
+
+    FineArcs() {
+        std::mt19937 random(5);
+        std::uniform_real_distribution<float> centre(-3.0f, 3.0f), bend(0.5f, 2.0f), turn(0.0f, 6.28f);
+        for (int line = 0; line < kLines; ++line) {
+            const Vec3f c(centre(random), centre(random), 0.3f * centre(random));
+            const float r = bend(random), start = turn(random);
+            for (int i = 0; i < kPoints; ++i) {
+                const float t = static_cast<float>(i) / (kPoints - 1);
+                const float a = start + 1.5f * t;
+                points.push_back(c + Vec3f(r * std::cos(a), r * std::sin(a), 0.5f * t));
+                values.push_back(t * (kPoints - 1));
+                radii.push_back(1.0f + 0.3f * std::sin(3.0f * t));
+            }
+        }
+    }
+
+    void addTo(SoTubeSet& tubes) const {
+        tubes.setNumLines(kLines);
+        for (unsigned int line = 0; line < kLines; ++line) {
+            tubes.setLine(line, kPoints, &points[line * kPoints]);
+            tubes.setLineColors(line, &values[line * kPoints]);
+            tubes.setLineRadii(line, &radii[line * kPoints]);
+        }
+    }
+};
+
+std::vector<unsigned char> pixels(const KxOffscreenRenderer& renderer) {
+    std::vector<unsigned char> rgb;
+    for (int y = 0; y < renderer.getHeight(); ++y) {
+        for (int x = 0; x < renderer.getWidth(); ++x) {
+            unsigned char p[3];
+            renderer.getPixel(x, y, p);
+            rgb.insert(rgb.end(), p, p + 3);
+        }
+    }
+    return rgb;
+}
+
+// Pixels count as equal when no channel differs by more than one step of
+// 255: where full detail has a ring between two kept ones, the shading is
+// interpolated over the longer span and can round the other way.
+double fractionOfEqualPixels(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b) {
+    size_t equal = 0;
+    for (size_t i = 0; i < a.size(); i += 3) {
+        bool same = true;
+        for (size_t c = i; c < i + 3; ++c) {
+            same = same && std::abs(a[c] - b[c]) <= 1;
+        }
+        equal += same ? 1 : 0;
+    }
+    return static_cast<double>(equal) / static_cast<double>(a.size() / 3);
+}
+
+}  // namespace
+
+TEST(SoTubeSetRenderTest, LevelOfDetailDrawsWhatFullDetailDrawsAndFollowsTheCamera) {
+    SoTubeSet::initClass();
+    SoSeparator* root = makePixelScene();
+    auto* camera = static_cast<SoOrthographicCamera*>(root->getChild(0));
+    auto* tubes = new SoTubeSet;
+    root->addChild(tubes);
+    FineArcs walks;
+    walks.addTo(*tubes);
+    const float rgba[] = {0, 0, 1, 1, 1, 0, 0, 1};
+    tubes->setColormap(KxColormap(2, rgba, 0.0f, FineArcs::kPoints - 1.0f));
+    tubes->setColormapDataWindow(0.0f, FineArcs::kPoints - 1.0f);
+    tubes->setConstantColor(false);
+    tubes->setConstantRadius(false);
+    tubes->setTubeScale(0.15f);
+    const size_t numPoints = walks.points.size();
+
+    KxOffscreenRenderer renderer(200, 200);
+    SoTubeSetTestAccess::setLevelOfDetail(*tubes, false);
+    ASSERT_TRUE(renderer.render(root));
+    EXPECT_EQ(SoTubeSetTestAccess::numKeptPoints(*tubes), numPoints);
+    const std::vector<unsigned char> full = pixels(renderer);
+
+    SoTubeSetTestAccess::setLevelOfDetail(*tubes, true);
+    ASSERT_TRUE(renderer.render(root));
+    const size_t keptFar = SoTubeSetTestAccess::numKeptPoints(*tubes);
+    EXPECT_LT(keptFar, numPoints / 2);
+    EXPECT_GE(fractionOfEqualPixels(full, pixels(renderer)), 0.99);
+
+    // Ten times closer, a step is most of a pixel: most points come back.
+    camera->height = 1.0f;
+    ASSERT_TRUE(renderer.render(root));
+    EXPECT_GT(SoTubeSetTestAccess::numKeptPoints(*tubes), 3 * keptFar);
+    camera->height = 10.0f;
+    ASSERT_TRUE(renderer.render(root));
+    EXPECT_EQ(SoTubeSetTestAccess::numKeptPoints(*tubes), keptFar);
+    root->unref();
 }
