@@ -214,7 +214,7 @@ SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* create
     geometryDirty_ |= group->geometryDirty && geometryReleased_;
     // The CPU side follows the node's flags once; every context then uploads.
     if (geometryDirty_) {
-        generateTubeGeometry();
+        layoutTubes();
         generateCapGeometry();
         radiiDirty_ = colorsDirty_ = true;
     }
@@ -339,65 +339,76 @@ void SoTubeSet::releaseUploadedGeometry() {
             return;
         }
     }
-    for (auto* v : {&tubeVertices_, &capVertices_, &capVertexNormals_}) {
-        std::vector<Vec3f>().swap(*v);
-    }
-    std::vector<float>().swap(tubeCenters_);
-    std::vector<unsigned int>().swap(tubeIndices_);
+    std::vector<Vec3f>().swap(capVertices_);
+    std::vector<Vec3f>().swap(capVertexNormals_);
     geometryReleased_ = true;
 }
 
-void SoTubeSet::generateTubeGeometry() {
+void SoTubeSet::layoutTubes() {
     if (keptBegin_.size() != numLines_ + 1) {
         keepAllPoints();
     }
     const unsigned int k = static_cast<unsigned int>(complexity_);
-    const size_t totalPoints = keptPoints_.size();
-    tubeVertices_.clear();
-    tubeVertices_.reserve(totalPoints * k);
-    tubeCenters_.clear();
-    tubeCenters_.reserve(totalPoints * k * 3);
-    tubeIndices_.clear();
-    tubeIndices_.reserve(totalPoints * k * 2 + numLines_);
     firstIndex_.assign(numLines_, 0);
     indexCount_.assign(numLines_, 0);
     vertexBase_.assign(numLines_, 0);
+    size_t vertices = 0, indices = 0;
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        const unsigned int m = keptBegin_[line + 1] - keptBegin_[line];
+        vertexBase_[line] = static_cast<unsigned int>(vertices);
+        firstIndex_[line] = static_cast<unsigned int>(indices);
+        if (m > 0) {
+            indexCount_[line] = 2 * k * m;
+            vertices += k * m;
+            indices += 2 * k * m + 1;  // and the restart index
+        }
+    }
+    numTubeVertices_ = vertices;
+    numTubeIndices_ = indices;
+}
+
+void SoTubeSet::writeTubes(Vec3f* vertices, float* centers, unsigned int* indices) const {
+    const unsigned int k = static_cast<unsigned int>(complexity_);
     PolylineFrames frames;
     for (unsigned int line = 0; line < numLines_; ++line) {
         const int* kept = keptPoints_.data() + keptBegin_[line];
         const unsigned int m = keptBegin_[line + 1] - keptBegin_[line];
-        const Vec3f* p = points_[line];
-        const auto base = static_cast<unsigned int>(tubeVertices_.size());
-        vertexBase_[line] = base;
-        firstIndex_[line] = static_cast<unsigned int>(tubeIndices_.size());
         if (m == 0) {
             continue;
         }
+        const Vec3f* p = points_[line];
+        const unsigned int base = vertexBase_[line];
         // Frames of every point, so that a kept point's ring is the one full detail gives it.
         frames.compute(p, pointCounts_[line], false);
         for (unsigned int j = 0; j < k; ++j) {
             for (unsigned int i = 0; i < m; ++i) {
                 const int q = kept[i];
-                tubeVertices_.push_back(p[q] + profile_[j].x * frames.normals[q] +
-                                        profile_[j].y * frames.binormals[q]);
-                tubeCenters_.insert(tubeCenters_.end(), {p[q].x, p[q].y, p[q].z});
+                const size_t v = base + j * m + i;
+                vertices[v] = p[q] + profile_[j].x * frames.normals[q] + profile_[j].y * frames.binormals[q];
+                std::copy(p[q].data(), p[q].data() + 3, centers + 3 * v);
             }
         }
         // One strip: band j joins side j to side j + 1 (the last band joins
         // back to side 0), alternating direction along the line.
+        unsigned int* index = indices + firstIndex_[line];
         for (unsigned int j = 0; j < k; ++j) {
             unsigned int a = base + j * m, b = base + ((j + 1) % k) * m;
             for (unsigned int step = 0; step < m; ++step) {
                 unsigned int i = j % 2 == 0 ? step : m - 1 - step;
-                tubeIndices_.push_back(a + i);
-                tubeIndices_.push_back(b + i);
+                *index++ = a + i;
+                *index++ = b + i;
             }
         }
-        indexCount_[line] = 2 * k * m;
-        tubeIndices_.push_back(kRestartIndex);
+        *index = kRestartIndex;
     }
-    numTubeVertices_ = tubeVertices_.size();
-    geometryReleased_ = false;
+}
+
+void SoTubeSet::generateTubeGeometry() {
+    layoutTubes();
+    tubeVertices_.resize(numTubeVertices_);
+    tubeCenters_.resize(3 * numTubeVertices_);
+    tubeIndices_.resize(numTubeIndices_);
+    writeTubes(tubeVertices_.data(), tubeCenters_.data(), tubeIndices_.data());
 }
 
 void SoTubeSet::generateCapGeometry() {

@@ -32,8 +32,8 @@ class SoState;
 // Line points, radii and colour values are borrowed from the caller (the
 // graph's edge points and attributes), not copied: they must stay alive and
 // unchanged until the next set-call. Set-calls only mark data dirty; the GPU
-// work happens in GLRender, once per context, and the CPU copy of the surface
-// is dropped once every context has it.
+// work happens in GLRender, once per context; the tube surface is written
+// straight into the buffer objects.
 //
 // Level of detail: a line's inner points that lie within a pixel on screen of
 // the last point kept before them are left out of its surface (frames still
@@ -148,6 +148,13 @@ private:
     // CPU geometry, regenerated when the geometry is dirty. Cap record of a
     // line end (end 0 = start, 1 = end): centre x, y, z and radius.
     const float* getCapRecord(unsigned int line, int end) const { return &capRecords_[8 * line + 4 * end]; }
+    // Where each line's vertices and indices go, from the kept points.
+    void layoutTubes();
+    // The surface of the kept points as layoutTubes placed it: vertices,
+    // centres (3 floats each) and strip indices. Written straight into
+    // mapped buffer objects, so no CPU copy of the surface is kept.
+    void writeTubes(Vec3f* vertices, float* centers, unsigned int* indices) const;
+    // The surface into tubeVertices_, tubeCenters_ and tubeIndices_ (for tests).
     void generateTubeGeometry();
     void generateCapGeometry();
     void updateCapRadii();
@@ -163,7 +170,7 @@ private:
     void updateKeptPoints(SoState* state);
     void keepAllPoints();
     void keepPointsOnScreen(const SbMatrix& worldToScreen, const SbVec2s& viewport);
-    // Drops the CPU surface once no context needs to upload it.
+    // Drops the CPU cap surface once no context needs to upload it.
     void releaseUploadedGeometry();
 
     static void GLInit(GLContextGroup& group);
@@ -237,6 +244,7 @@ private:
     std::vector<int> scratchKept_;
     bool geometryReleased_ = false;
     size_t numTubeVertices_ = 0;
+    size_t numTubeIndices_ = 0;
 
     std::vector<Vec3f> tubeVertices_;
     std::vector<float> tubeCenters_;  // 3 per vertex (the program's w is 1)

@@ -21,6 +21,14 @@ void uploadBuffer(GLenum target, GLuint buffer, const std::vector<T>& data) {
                  data.empty() ? nullptr : data.data(), GL_STATIC_DRAW);
 }
 
+// A new store of bytes for the buffer, mapped for writing; null when empty
+// or when the driver refuses.
+void* mapNewBuffer(GLenum target, GLuint buffer, size_t bytes) {
+    glBindBuffer(target, buffer);
+    glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
+    return bytes > 0 ? glMapBuffer(target, GL_WRITE_ONLY) : nullptr;
+}
+
 void bindAttribute(GLuint location, GLuint buffer, GLint size) {
     glBindBuffer(GL_ARRAY_BUFFER, buffer);
     glVertexAttribPointer(location, size, GL_FLOAT, GL_FALSE, 0, nullptr);
@@ -65,9 +73,24 @@ void SoTubeSet::GLUploadDirtyData(GLContextGroup& group) {
 }
 
 void SoTubeSet::GLUploadTubeGeometry(GLContextGroup& group) {
-    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[TUBE_VERTICES], tubeVertices_);
-    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[TUBE_CENTERS], tubeCenters_);
-    uploadBuffer(GL_ELEMENT_ARRAY_BUFFER, group.buffers[TUBE_INDICES], tubeIndices_);
+    const GLBuffer buffers[] = {TUBE_VERTICES, TUBE_CENTERS, TUBE_INDICES};
+    const GLenum targets[] = {GL_ARRAY_BUFFER, GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER};
+    const size_t bytes[] = {numTubeVertices_ * sizeof(Vec3f), numTubeVertices_ * 3 * sizeof(float),
+                            numTubeIndices_ * sizeof(unsigned int)};
+    void* mapped[3];
+    for (int b = 0; b < 3; ++b) {
+        mapped[b] = mapNewBuffer(targets[b], group.buffers[buffers[b]], bytes[b]);
+    }
+    if (mapped[0] && mapped[1] && mapped[2]) {
+        writeTubes(static_cast<Vec3f*>(mapped[0]), static_cast<float*>(mapped[1]),
+                   static_cast<unsigned int*>(mapped[2]));
+    }
+    for (int b = 0; b < 3; ++b) {
+        if (mapped[b]) {
+            glBindBuffer(targets[b], group.buffers[buffers[b]]);
+            glUnmapBuffer(targets[b]);
+        }
+    }
     group.geometryDirty = false;
 }
 
@@ -80,10 +103,7 @@ void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
 // per-point arrays into the mapped buffer, repeated for every side of the
 // ring: no CPU copy is kept.
 void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(unsigned int, int) const) {
-    glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(numTubeVertices_ * sizeof(float)), nullptr,
-                 GL_STATIC_DRAW);
-    auto* out = static_cast<float*>(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY));
+    auto* out = static_cast<float*>(mapNewBuffer(GL_ARRAY_BUFFER, buffer, numTubeVertices_ * sizeof(float)));
     if (!out) {
         return;
     }
