@@ -210,8 +210,6 @@ SoTubeSet::GLContextGroup* SoTubeSet::prepareContext(int contextId, bool* create
             *created = true;
         }
     }
-    // A context that comes after the CPU surface was dropped needs it again.
-    geometryDirty_ |= group->geometryDirty && geometryReleased_;
     // The CPU side follows the node's flags once; every context then uploads.
     if (geometryDirty_) {
         layoutTubes();
@@ -332,18 +330,6 @@ void SoTubeSet::updateKeptPoints(SoState* state) {
     keptPointsValid_ = true;
 }
 
-void SoTubeSet::releaseUploadedGeometry() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    for (const auto& entry : contexts_) {
-        if (entry.second->geometryDirty) {
-            return;
-        }
-    }
-    std::vector<Vec3f>().swap(capVertices_);
-    std::vector<Vec3f>().swap(capVertexNormals_);
-    geometryReleased_ = true;
-}
-
 void SoTubeSet::layoutTubes() {
     if (keptBegin_.size() != numLines_ + 1) {
         keepAllPoints();
@@ -412,40 +398,71 @@ void SoTubeSet::generateTubeGeometry() {
 }
 
 void SoTubeSet::generateCapGeometry() {
-    const unsigned int k = static_cast<unsigned int>(complexity_);
-    capVertices_.assign(static_cast<size_t>(numLines_) * 2 * (k + 2), Vec3f());
     capNormals_.assign(static_cast<size_t>(numLines_) * 2, Vec3f(0.0f, 0.0f, 1.0f));
     capRecords_.assign(static_cast<size_t>(numLines_) * 8, 0.0f);
     capColorValues_.assign(static_cast<size_t>(numLines_) * 2, 0.0f);
-    capVertexNormals_.assign(capVertices_.size(), Vec3f(0.0f, 0.0f, 1.0f));
-    capVertexCenters_.assign(capVertices_.size() * 4, 0.0f);
-    capVertexColors_.assign(capVertices_.size(), 0.0f);
-    PolylineFrames frames;
     for (unsigned int line = 0; line < numLines_; ++line) {
         const int m = pointCounts_[line];
         const Vec3f* p = points_[line];
         if (m == 0) {
             continue;
         }
-        frames.compute(p, m, false);
         for (int end = 0; end < 2; ++end) {
             int i = end == 0 ? 0 : m - 1;
             Vec3f outward = m > 1 ? (end == 0 ? p[0] - p[1] : p[m - 1] - p[m - 2]) : Vec3f(0, 0, 1);
             if (outward.normalize() > 0.0f) {
                 capNormals_[2 * line + end] = outward;
             }
-            std::fill_n(&capVertexNormals_[capFirst(line, end)], k + 2, capNormals_[2 * line + end]);
-            Vec3f* fan = &capVertices_[capFirst(line, end)];
-            fan[0] = p[i];
-            for (unsigned int j = 0; j <= k; ++j) {
-                const Vec3f& q = profile_[j % k];
-                fan[1 + j] = p[i] + q.x * frames.normals[i] + q.y * frames.binormals[i];
-            }
             float* record = &capRecords_[8 * line + 4 * end];
             record[0] = p[i].x;
             record[1] = p[i].y;
             record[2] = p[i].z;
             record[3] = 1.0f;
+        }
+    }
+}
+
+void SoTubeSet::writeCaps(Vec3f* vertices, Vec3f* normals) const {
+    const unsigned int k = static_cast<unsigned int>(complexity_);
+    PolylineFrames frames;
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        const int m = pointCounts_[line];
+        const Vec3f* p = points_[line];
+        if (m > 0) {
+            frames.compute(p, m, false);
+        }
+        for (int end = 0; end < 2; ++end) {
+            Vec3f* fan = vertices + capFirst(line, end);
+            std::fill_n(normals + capFirst(line, end), k + 2, capNormals_[2 * line + end]);
+            if (m == 0) {
+                std::fill_n(fan, k + 2, Vec3f());
+                continue;
+            }
+            int i = end == 0 ? 0 : m - 1;
+            fan[0] = p[i];
+            for (unsigned int j = 0; j <= k; ++j) {
+                const Vec3f& q = profile_[j % k];
+                fan[1 + j] = p[i] + q.x * frames.normals[i] + q.y * frames.binormals[i];
+            }
+        }
+    }
+}
+
+void SoTubeSet::writeCapCenters(float* centers) const {
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        for (int end = 0; end < 2; ++end) {
+            const float* record = getCapRecord(line, end);
+            for (unsigned int v = capFirst(line, end); v < capFirst(line, end) + complexity_ + 2; ++v) {
+                std::copy(record, record + 4, centers + 4 * static_cast<size_t>(v));
+            }
+        }
+    }
+}
+
+void SoTubeSet::writeCapColors(float* values) const {
+    for (unsigned int line = 0; line < numLines_; ++line) {
+        for (int end = 0; end < 2; ++end) {
+            std::fill_n(values + capFirst(line, end), complexity_ + 2, capColorValues_[2 * line + end]);
         }
     }
 }
@@ -457,12 +474,6 @@ void SoTubeSet::updateCapRadii() {
             capRecords_[8 * line + 3] = pointRadius(line, 0);
             capRecords_[8 * line + 7] = pointRadius(line, m - 1);
         }
-        for (int end = 0; end < 2; ++end) {
-            const float* record = getCapRecord(line, end);
-            for (unsigned int v = capFirst(line, end); v < capFirst(line, end) + complexity_ + 2; ++v) {
-                std::copy(record, record + 4, &capVertexCenters_[4 * static_cast<size_t>(v)]);
-            }
-        }
     }
 }
 
@@ -472,10 +483,6 @@ void SoTubeSet::updateCapColors() {
         if (m > 0) {
             capColorValues_[2 * line] = pointColorValue(line, 0);
             capColorValues_[2 * line + 1] = pointColorValue(line, m - 1);
-        }
-        for (int end = 0; end < 2; ++end) {
-            std::fill_n(&capVertexColors_[capFirst(line, end)], complexity_ + 2,
-                        capColorValues_[2 * line + end]);
         }
     }
 }

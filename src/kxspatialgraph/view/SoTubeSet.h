@@ -156,7 +156,13 @@ private:
     void writeTubes(Vec3f* vertices, float* centers, unsigned int* indices) const;
     // The surface into tubeVertices_, tubeCenters_ and tubeIndices_ (for tests).
     void generateTubeGeometry();
+    // Cap records and outward normals per line end; the fans themselves
+    // are written straight into mapped buffer objects by the write calls.
     void generateCapGeometry();
+    void writeCaps(Vec3f* vertices, Vec3f* normals) const;
+    void writeCapCenters(float* centers) const;
+    void writeCapColors(float* values) const;
+    size_t numCapVertices() const { return static_cast<size_t>(numLines_) * 2 * (complexity_ + 2); }
     void updateCapRadii();
     void updateCapColors();
     void generateExtrusionGeometry();
@@ -170,8 +176,6 @@ private:
     void updateKeptPoints(SoState* state);
     void keepAllPoints();
     void keepPointsOnScreen(const SbMatrix& worldToScreen, const SbVec2s& viewport);
-    // Drops the CPU cap surface once no context needs to upload it.
-    void releaseUploadedGeometry();
 
     static void GLInit(GLContextGroup& group);
     // Deletes the group's GL names (its context current) and the group.
@@ -242,7 +246,6 @@ private:
     std::vector<int> keptPoints_;
     std::vector<unsigned int> keptBegin_;
     std::vector<int> scratchKept_;
-    bool geometryReleased_ = false;
     size_t numTubeVertices_ = 0;
     size_t numTubeIndices_ = 0;
 
@@ -252,15 +255,9 @@ private:
     std::vector<unsigned int> firstIndex_;
     std::vector<unsigned int> indexCount_;
     std::vector<unsigned int> vertexBase_;
-    std::vector<Vec3f> capVertices_;
     std::vector<Vec3f> capNormals_;      // 2 per line
     std::vector<float> capRecords_;      // 8 per line
     std::vector<float> capColorValues_;  // 2 per line
-    // The cap records spread over every vertex of the fans, so that all caps
-    // of a run of lines draw in one call.
-    std::vector<Vec3f> capVertexNormals_;
-    std::vector<float> capVertexCenters_;  // 4 per cap vertex: centre, radius
-    std::vector<float> capVertexColors_;
     std::vector<int> runFirsts_;
     std::vector<int> runCounts_;
 };

@@ -14,19 +14,19 @@
 
 namespace {
 
-template <class T>
-void uploadBuffer(GLenum target, GLuint buffer, const std::vector<T>& data) {
-    glBindBuffer(target, buffer);
-    glBufferData(target, static_cast<GLsizeiptr>(data.size() * sizeof(T)),
-                 data.empty() ? nullptr : data.data(), GL_STATIC_DRAW);
-}
-
 // A new store of bytes for the buffer, mapped for writing; null when empty
 // or when the driver refuses.
 void* mapNewBuffer(GLenum target, GLuint buffer, size_t bytes) {
     glBindBuffer(target, buffer);
     glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
     return bytes > 0 ? glMapBuffer(target, GL_WRITE_ONLY) : nullptr;
+}
+
+void unmapBuffer(GLenum target, GLuint buffer, const void* mapped) {
+    if (mapped) {
+        glBindBuffer(target, buffer);
+        glUnmapBuffer(target);
+    }
 }
 
 void bindAttribute(GLuint location, GLuint buffer, GLint size) {
@@ -86,17 +86,24 @@ void SoTubeSet::GLUploadTubeGeometry(GLContextGroup& group) {
                    static_cast<unsigned int*>(mapped[2]));
     }
     for (int b = 0; b < 3; ++b) {
-        if (mapped[b]) {
-            glBindBuffer(targets[b], group.buffers[buffers[b]]);
-            glUnmapBuffer(targets[b]);
-        }
+        unmapBuffer(targets[b], group.buffers[buffers[b]], mapped[b]);
     }
     group.geometryDirty = false;
 }
 
 void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
-    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES], capVertices_);
-    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], capVertexNormals_);
+    // The cap records are spread over every vertex of the fans, so that all
+    // caps of a run of lines draw in one call.
+    const size_t n = numCapVertices();
+    auto* vertices =
+        static_cast<Vec3f*>(mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES], n * sizeof(Vec3f)));
+    auto* normals =
+        static_cast<Vec3f*>(mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], n * sizeof(Vec3f)));
+    if (vertices && normals) {
+        writeCaps(vertices, normals);
+    }
+    unmapBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES], vertices);
+    unmapBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], normals);
 }
 
 // Radii and colour values of the kept points go straight from the borrowed
@@ -122,7 +129,12 @@ void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(
 
 void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
     group.radiiDirty = false;
-    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_CENTERS], capVertexCenters_);
+    auto* centers = static_cast<float*>(
+        mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_CENTERS], numCapVertices() * 4 * sizeof(float)));
+    if (centers) {
+        writeCapCenters(centers);
+        glUnmapBuffer(GL_ARRAY_BUFFER);
+    }
     if (!constantRadius_ && numTubeVertices_ > 0) {
         GLUploadPerPoint(group.buffers[TUBE_RADII], &SoTubeSet::pointRadius);
     }
@@ -130,7 +142,12 @@ void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
 
 void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
     group.colorsDirty = false;
-    uploadBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_COLORS], capVertexColors_);
+    auto* values = static_cast<float*>(
+        mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_COLORS], numCapVertices() * sizeof(float)));
+    if (values) {
+        writeCapColors(values);
+        glUnmapBuffer(GL_ARRAY_BUFFER);
+    }
     if (!constantColor_ && !colorPerLine_ && numTubeVertices_ > 0) {
         GLUploadPerPoint(group.buffers[TUBE_COLORS], &SoTubeSet::pointColorValue);
     }
@@ -149,7 +166,6 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
         return;
     }
     GLUploadDirtyData(*group);
-    releaseUploadedGeometry();
     SoMaterialBundle bundle(action);
     bundle.sendFirst();
 
