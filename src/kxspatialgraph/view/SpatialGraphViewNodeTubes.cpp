@@ -3,6 +3,8 @@
 #include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoNormal.h>
+#include <Inventor/nodes/SoNormalBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoShapeHints.h>
 
@@ -171,64 +173,93 @@ void SpatialGraphViewNode::makeLegacyTubes(const SpatialGraphSelection* visible,
     HashTable<int, SbColor> table;
     bool colourByValue = prepareValueColors(colorAttr, noLabelColors, edgeColormapPort_, labels, table);
 
+    // The fields are sized once and filled in place: no per-face growth, no
+    // intermediate copies, and normals given so that Coin computes none.
+    const int numEdges = std::min(graph_->doGetNumEdges(), visible->getNumEdges());
+    auto drawn = [&](int e) { return visible->isSelectedEdge(e) && graph_->doGetNumEdgePoints(e) >= 2; };
+    int numRings = 0, numTubes = 0;
+    for (int e = 0; e < numEdges; ++e) {
+        if (drawn(e)) {
+            numRings += graph_->doGetNumEdgePoints(e);
+            ++numTubes;
+        }
+    }
+    const int numFaces = (numRings - numTubes) * (kProfilePoints - 1);
     auto* coords = new SoCoordinate3;
+    auto* normals = new SoNormal;
     auto* faces = new SoIndexedFaceSet;
     auto* material = new SoMaterial;
     auto* binding = new SoMaterialBinding;
-    std::vector<SbVec3f> vertices;
-    std::vector<int32_t> coordIndex, materialIndex;
-    std::vector<SbColor> colours;
-    int numEdges = std::min(graph_->doGetNumEdges(), visible->getNumEdges());
+    coords->point.setNum(numRings * kProfilePoints);
+    normals->vector.setNum(numRings * kProfilePoints);
+    faces->coordIndex.setNum(5 * numFaces);
+    if (pointColors) {
+        material->diffuseColor.setNum(std::max(numRings * kProfilePoints, 1));
+    } else {
+        material->diffuseColor.setNum(std::max(numTubes, 1));
+        faces->materialIndex.setNum(numFaces);
+    }
+    SbVec3f* vertex = coords->point.startEditing();
+    SbVec3f* normal = normals->vector.startEditing();
+    int32_t* index = faces->coordIndex.startEditing();
+    SbColor* colour = material->diffuseColor.startEditing();
+    int32_t* faceColour = pointColors ? nullptr : faces->materialIndex.startEditing();
+    colour[0] = edgeDefaultColor_;
+    int numVertices = 0, numColours = 0;
     for (int e = 0; e < numEdges; ++e) {
-        int m = 0;
-        const Vec3f* points = graph_->doGetEdgePoints(e, m);
-        if (!visible->isSelectedEdge(e) || m < 2) {
+        if (!drawn(e)) {
             continue;
         }
+        int m = 0;
+        const Vec3f* points = graph_->doGetEdgePoints(e, m);
         const PolylineFrames frames = edgeFrames(e, false);
-        const auto base = static_cast<int32_t>(vertices.size());
+        const int32_t base = numVertices;
         for (int i = 0; i < m; ++i) {
             float r = radii ? std::max(radii->getFloatDataAtPoint(e, i), 0.0f) : 1.0f;
             SbColor pointColour = pointColors && colourByValue
                                       ? valueColor(colorAttr, e, i, labels, table, edgeColormapPort_)
                                       : edgeDefaultColor_;
             for (int j = 0; j < kProfilePoints; ++j) {
-                SbVec3f q = profilePoint(j) * scale;
-                SbVec3f offset = SbVec3f(frames.normals[i]) * q[0] + SbVec3f(frames.binormals[i]) * q[1];
-                vertices.push_back(SbVec3f(points[i]) + offset * r);
+                SbVec3f q = profilePoint(j);
+                SbVec3f outward = SbVec3f(frames.normals[i]) * q[0] + SbVec3f(frames.binormals[i]) * q[1];
+                vertex[numVertices] = SbVec3f(points[i]) + outward * (scale * r);
+                normal[numVertices] = outward * 2.0f;  // the profile's radius is 0.5
                 if (pointColors) {
-                    colours.push_back(pointColour);
+                    colour[numVertices] = pointColour;
                 }
+                ++numVertices;
             }
         }
         if (!pointColors) {
-            SbColor tubeColour = colourByValue ? valueColor(colorAttr, e, 0, labels, table, edgeColormapPort_)
-                                               : edgeDefaultColor_;
-            colours.push_back(tubeColour);
+            colour[numColours++] = colourByValue
+                                       ? valueColor(colorAttr, e, 0, labels, table, edgeColormapPort_)
+                                       : edgeDefaultColor_;
         }
         // Quads between neighbouring rings, wound counter-clockwise seen from outside.
         for (int i = 0; i + 1 < m; ++i) {
             for (int j = 0; j + 1 < kProfilePoints; ++j) {
                 int32_t a = base + i * kProfilePoints + j, b = a + kProfilePoints;
-                coordIndex.insert(coordIndex.end(), {a, b, b + 1, a + 1, -1});
-                if (!pointColors) {
-                    materialIndex.push_back(static_cast<int32_t>(colours.size()) - 1);
+                for (int32_t v : {a, b, b + 1, a + 1, -1}) {
+                    *index++ = v;
+                }
+                if (faceColour) {
+                    *faceColour++ = numColours - 1;
                 }
             }
         }
     }
-    coords->point.setValues(0, static_cast<int>(vertices.size()), vertices.data());
-    faces->coordIndex.setValues(0, static_cast<int>(coordIndex.size()), coordIndex.data());
-    if (colours.empty()) {
-        colours.push_back(edgeDefaultColor_);
-    }
-    material->diffuseColor.setValues(0, static_cast<int>(colours.size()), colours.data());
+    coords->point.finishEditing();
+    normals->vector.finishEditing();
+    faces->coordIndex.finishEditing();
+    material->diffuseColor.finishEditing();
+    auto* normalBinding = new SoNormalBinding;
+    normalBinding->value = SoNormalBinding::PER_VERTEX_INDEXED;  // through coordIndex
     if (pointColors) {
         binding->value = SoMaterialBinding::PER_VERTEX_INDEXED;
-        faces->materialIndex.setValues(0, static_cast<int>(coordIndex.size()), coordIndex.data());
+        faces->materialIndex.setValues(0, faces->coordIndex.getNum(), faces->coordIndex.getValues(0));
     } else {
+        faces->materialIndex.finishEditing();
         binding->value = SoMaterialBinding::PER_FACE_INDEXED;
-        faces->materialIndex.setValues(0, static_cast<int>(materialIndex.size()), materialIndex.data());
     }
     auto* hints = new SoShapeHints;
     hints->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
@@ -236,7 +267,8 @@ void SpatialGraphViewNode::makeLegacyTubes(const SpatialGraphSelection* visible,
     hints->creaseAngle = 0.8f;
     for (SoNode* node :
          {static_cast<SoNode*>(hints), static_cast<SoNode*>(material), static_cast<SoNode*>(binding),
-          static_cast<SoNode*>(coords), static_cast<SoNode*>(faces)}) {
+          static_cast<SoNode*>(normals), static_cast<SoNode*>(normalBinding), static_cast<SoNode*>(coords),
+          static_cast<SoNode*>(faces)}) {
         legacyTubeSeparator_->addChild(node);
     }
 }

@@ -296,13 +296,13 @@ TEST(SpatialGraphViewNodeTest, LegacyTubesRingTheVisibleEdges) {
     view.visible.selectEdge(2);
     view.node.makeLegacyTubes(&view.visible, nullptr, nullptr, 2.0f, false);
     SoSeparator* legacy = view.node.getLegacyTubeSeparator();
-    ASSERT_EQ(legacy->getNumChildren(), 6);
-    auto* faces = static_cast<SoIndexedFaceSet*>(legacy->getChild(5));
+    ASSERT_EQ(legacy->getNumChildren(), 8);
+    auto* faces = static_cast<SoIndexedFaceSet*>(legacy->getChild(7));
     // Edge 0 has 2 points, edge 2 has 4: (1 + 3) ring gaps × 12 quads of 5 indices.
     EXPECT_EQ(faces->coordIndex.getNum(), (1 + 3) * 12 * 5);
     // Remaking replaces, never adds.
     view.node.makeLegacyTubes(&view.visible, nullptr, nullptr, 2.0f, false);
-    EXPECT_EQ(legacy->getNumChildren(), 6);
+    EXPECT_EQ(legacy->getNumChildren(), 8);
     view.node.removeLegacyTubes();
     EXPECT_EQ(legacy->getNumChildren(), 1);
 
