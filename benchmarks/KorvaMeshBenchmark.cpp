@@ -72,8 +72,9 @@ std::unique_ptr<KxSpatialGraph> makeSegments() {
     g->setSizeHint(2 * kSegmentEdges, kSegmentEdges, kSegmentEdges * kSegmentPointsPerEdge);
     DArray<Vec3f> points(kSegmentPointsPerEdge);
     for (int e = 0; e < kSegmentEdges; ++e) {
+        const int layer = e / 10000;
         Vec3f start(static_cast<float>(e % 100), static_cast<float>(e / 100 % 100),
-                    static_cast<float>(e / 10000));
+                    static_cast<float>(layer));
         for (int p = 0; p < kSegmentPointsPerEdge; ++p) {
             points[p] = start + Vec3f(0.05f * p, 0.03f * p * (e % 3), 0.01f * p);
         }

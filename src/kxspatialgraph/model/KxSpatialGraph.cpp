@@ -164,9 +164,11 @@ int KxSpatialGraph::addEdge(int s, int t, const Vec3f* points, int numPoints) {
 }
 
 void KxSpatialGraph::appendMultipleVertices(const Vec3f* coords, int n) {
-    EdgeBlockLayout::reserveForGrowth(coords_.std(), static_cast<size_t>(coords_.size() + n));
+    EdgeBlockLayout::reserveForGrowth(coords_.std(),
+                                      static_cast<size_t>(coords_.size()) + static_cast<size_t>(n));
     coords_.append(n, coords);
-    EdgeBlockLayout::reserveForGrowth(incidence_.std(), static_cast<size_t>(incidence_.size() + n));
+    EdgeBlockLayout::reserveForGrowth(incidence_.std(),
+                                      static_cast<size_t>(incidence_.size()) + static_cast<size_t>(n));
     incidence_.resize(incidence_.size() + n);
     for (EdgeVertexAttribute* a : vertexAttributes_) {
         a->append(n);
@@ -176,7 +178,7 @@ void KxSpatialGraph::appendMultipleVertices(const Vec3f* coords, int n) {
 void KxSpatialGraph::appendMultipleEdges(const int* ends, const int* pointCounts, const Vec3f* points,
                                          int n) {
     const int first = edges_.size();
-    EdgeBlockLayout::reserveForGrowth(edges_.std(), static_cast<size_t>(first + n));
+    EdgeBlockLayout::reserveForGrowth(edges_.std(), static_cast<size_t>(first) + static_cast<size_t>(n));
     for (int k = 0; k < n; ++k) {
         edges_.append(SpatialGraphEdge(ends[2 * k], ends[2 * k + 1]));
         attachEdge(first + k, ends[2 * k]);

@@ -287,7 +287,7 @@ double fractionOfEqualPixels(const std::vector<unsigned char>& a, const std::vec
         }
         equal += same ? 1 : 0;
     }
-    return static_cast<double>(equal) / static_cast<double>(a.size() / 3);
+    return 3.0 * static_cast<double>(equal) / static_cast<double>(a.size());
 }
 
 }  // namespace
