@@ -13,9 +13,7 @@
 //   build/release/bin/KorvaMeshBenchmark --benchmark_min_time=0.1
 #include <malloc.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -27,6 +25,7 @@
 #include "korva/core/KxMessageCapture.h"
 #include "korva/korvamesh/KorvaMesh.h"
 #include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
+#include "KorvaBeside.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 
@@ -208,16 +207,6 @@ void BM_IsConsistentAfterLoad(benchmark::State& state) {
 size_t allocatedBytes() {
     struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
-}
-
-std::string korvaBeside() {
-    char self[PATH_MAX];
-    ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
-    if (n <= 0) {
-        return "";
-    }
-    std::string path(self, static_cast<size_t>(n));
-    return path.substr(0, path.rfind('/') + 1) + "korva";
 }
 
 // Peak resident memory (kB) of `korva info path` as /usr/bin/time reports

@@ -8,10 +8,8 @@
 //
 // Run in a Release build when the machine is quiet, e.g.
 //   build/release/bin/KorvaRenderBenchmark
-#include <unistd.h>
 
 #include <chrono>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -20,6 +18,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "KorvaBeside.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
 namespace {
@@ -52,16 +51,6 @@ const std::string& graphFile() {
         g.saveKorvaMesh(path.c_str());
     }
     return path;
-}
-
-std::string korvaBeside() {
-    char self[PATH_MAX];
-    ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
-    if (n <= 0) {
-        return "";
-    }
-    std::string path(self, static_cast<size_t>(n));
-    return path.substr(0, path.rfind('/') + 1) + "korva";
 }
 
 struct RenderRun {
