@@ -130,9 +130,6 @@ BENCHMARK(BM_GraphMemory)
 // 1 M edges of 10 points).
 void BM_IsConsistent(benchmark::State& state) {
     auto g = buildGraph(static_cast<int>(state.range(0)));
-    for (int v = 0; v < g->getNumVertices(); ++v) {
-        g->setVertexCoords(v, Vec3f(static_cast<float>(v), 0.5f, 0));  // where the chain's points end
-    }
     g->addAttribute("VertexValue", KxSpatialGraph::VERTEX, PrimType::INT32, 1);
     g->addAttribute("EdgeValue", KxSpatialGraph::EDGE, PrimType::INT32, 1);
     g->addAttribute("PointValue", KxSpatialGraph::POINT, PrimType::FLOAT32, 1);
