@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 
 #include "support/TempDir.h"
 
@@ -16,11 +15,6 @@ std::string quote(const std::string& s) {
         q += c == '\'' ? std::string("'\\''") : std::string(1, c);
     }
     return q + "'";
-}
-
-std::string readAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
 }  // namespace
@@ -58,7 +52,7 @@ KorvaRun runKorva(const std::vector<std::string>& args, const KorvaRunOptions& o
     }
     command += " <" + quote(in) + " >" + quote(out) + " 2>" + quote(err);
     int raw = std::system(command.c_str());
-    return KorvaRun{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readAll(out), readAll(err)};
+    return KorvaRun{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFileBytes(out), readFileBytes(err)};
 }
 
 int countOccurrences(const std::string& text, const std::string& what) {

@@ -21,3 +21,8 @@ public:
 private:
     std::string path_;
 };
+
+// The whole file as bytes; empty if it cannot be read.
+std::string readFileBytes(const std::string& path);
+// Replaces the file's contents with the bytes.
+void writeFileBytes(const std::string& path, const std::string& bytes);

@@ -8,8 +8,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -19,11 +17,6 @@
 #include "support/TempDir.h"
 
 namespace {
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
 
 int count(const std::string& text, const std::string& what) {
     return countOccurrences(text, what);
@@ -83,7 +76,7 @@ protected:
 
     std::string write(const std::string& name, const std::string& contents) {
         std::string path = dir_.path(name);
-        std::ofstream(path, std::ios::binary) << contents;
+        writeFileBytes(path, contents);
         return path;
     }
 
@@ -242,7 +235,7 @@ TEST_F(KorvaTest, InfoAndConvertGoThroughThePackagesFormats) {
 
     KorvaRun convert = korva({"convert", "memo", "copy.note"}, "", true);
     EXPECT_EQ(convert.status, 0) << convert.err;
-    EXPECT_EQ(readFile(dir_.path("copy.note")), "KXNOTE\nbuy milk");
+    EXPECT_EQ(readFileBytes(dir_.path("copy.note")), "KXNOTE\nbuy milk");
 
     KorvaRun noWriter = korva({"convert", "memo", "copy.png"}, "", true);
     EXPECT_EQ(noWriter.status, 1);
@@ -266,8 +259,8 @@ TEST_F(KorvaTest, LoadAndSaveFromAScript) {
     KorvaRun run = korva({"session.tcl"}, "", true);
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "memo.note KxTestNote\n1:Error: No data object \"nobody\".\n|\n");
-    EXPECT_EQ(readFile(dir_.path("new.note")), "KXNOTE\nhello");
-    EXPECT_EQ(readFile(dir_.path("old.note")), "KXNOTE\nold");
+    EXPECT_EQ(readFileBytes(dir_.path("new.note")), "KXNOTE\nhello");
+    EXPECT_EQ(readFileBytes(dir_.path("old.note")), "KXNOTE\nold");
     KorvaRun help = korva({"-c", "help"}, "", true);
     EXPECT_NE(help.out.find("  Test note (.note read write)\n"), std::string::npos) << help.out;
     EXPECT_NE(help.out.find("  KxTestNote\n"), std::string::npos) << help.out;
@@ -281,7 +274,7 @@ TEST_F(KorvaTest, StatsWritesTheTablesAsCsvToStdoutOrAFile) {
     EXPECT_EQ(toStdout.out, expected);
     KorvaRun toFile = korva({"stats", "cell.swc", "-o", "cell.csv"});
     EXPECT_EQ(toFile.status, 0) << toFile.err;
-    EXPECT_EQ(readFile(dir_.path("cell.csv")), expected);
+    EXPECT_EQ(readFileBytes(dir_.path("cell.csv")), expected);
     EXPECT_EQ(korva({"stats"}).status, 2);
 }
 

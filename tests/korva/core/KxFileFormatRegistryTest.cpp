@@ -62,15 +62,6 @@ void* resolve(const char* symbol) {
     return it == kSymbols.end() ? nullptr : it->second;
 }
 
-void writeFile(const std::string& path, const std::string& contents) {
-    std::ofstream(path, std::ios::binary) << contents;
-}
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
 const char* kResources = R"(# formats for the tests
 format "Text" {
     extensions txt .TEXT
@@ -118,7 +109,7 @@ protected:
 
     std::string readerFor(const std::string& name, const std::string& contents) {
         std::string path = dir_.path(name);
-        writeFile(path, contents);
+        writeFileBytes(path, contents);
         const KxFileFormat* f = registry_.findReader(path.c_str());
         return f ? f->name : "none";
     }
@@ -162,7 +153,7 @@ TEST_F(KxFileFormatRegistryTest, ReaderIsChosenByContentTypeThenCheckThenExtensi
 
 TEST_F(KxFileFormatRegistryTest, LoadRegistersWhatTheReaderCreated) {
     std::string path = dir_.path("words.txt");
-    writeFile(path, "hello");
+    writeFileBytes(path, "hello");
     std::vector<KxObject*> created;
     KxMessageCapture capture;
     ASSERT_TRUE(registry_.load(path.c_str(), created, pool_)) << capture.text();
@@ -174,8 +165,8 @@ TEST_F(KxFileFormatRegistryTest, LoadRegistersWhatTheReaderCreated) {
 }
 
 TEST_F(KxFileFormatRegistryTest, LoadFailuresPrintOneErrorLineEach) {
-    writeFile(dir_.path("unknown.dat"), "data");
-    writeFile(dir_.path("broken.brk"), "data");
+    writeFileBytes(dir_.path("unknown.dat"), "data");
+    writeFileBytes(dir_.path("broken.brk"), "data");
     struct Case {
         std::string path;
         std::string error;
@@ -202,14 +193,14 @@ TEST_F(KxFileFormatRegistryTest, SaveCallsTheWriterWithTheUsersFileName) {
     data.parameters().setString("word", "saved");
     data.touch();
     std::string path = dir_.path("out.txt");
-    writeFile(path, "old");
+    writeFileBytes(path, "old");
 
     KxMessageCapture capture;
     EXPECT_FALSE(registry_.save(*registry_.find("Broken"), &data, path.c_str()));
     EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: the writer's own reason"})
         << "no second, vaguer line";
     EXPECT_EQ(gFailedWriteName, path) << "writers see the user's file name";
-    EXPECT_EQ(readFile(path), "old");
+    EXPECT_EQ(readFileBytes(path), "old");
     EXPECT_TRUE(data.isModified());
 
     capture.clear();
@@ -217,7 +208,7 @@ TEST_F(KxFileFormatRegistryTest, SaveCallsTheWriterWithTheUsersFileName) {
     EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: Format Magic cannot be written."});
 
     ASSERT_TRUE(registry_.save(*registry_.find("Text"), &data, path.c_str()));
-    EXPECT_EQ(readFile(path), "saved");
+    EXPECT_EQ(readFileBytes(path), "saved");
     EXPECT_STREQ(data.getSaveInfoParam(), "Text");
     EXPECT_FALSE(data.isModified());
     EXPECT_EQ(registry_.findWriter("x.TEXT", &data), registry_.find("Text"));

@@ -78,9 +78,7 @@ TEST(KxPackageLoaderTest, ResolvedFunctionsReadAndWriteThroughTheRegistry) {
     const KxFileFormat* writer = theFileFormats->findWriter(out.c_str(), note);
     ASSERT_NE(writer, nullptr);
     ASSERT_TRUE(theFileFormats->save(*writer, note, out.c_str())) << capture.text();
-    std::ifstream copy(out);
-    EXPECT_EQ(std::string((std::istreambuf_iterator<char>(copy)), std::istreambuf_iterator<char>()),
-              "KXNOTE\nremember the milk");
+    EXPECT_EQ(readFileBytes(out), "KXNOTE\nremember the milk");
     theObjectPool->remove(note);
 
     // A .note file without the header is rejected by the check before the reader runs.

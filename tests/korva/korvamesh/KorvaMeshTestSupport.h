@@ -4,22 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "korva/korvamesh/KorvaMesh.h"
 #include "support/TempDir.h"
-
-inline std::string readFileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-inline void writeFileBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 // A mesh that exercises the format: every value type, several component
 // counts, an empty location, awkward names, special float values and nested
