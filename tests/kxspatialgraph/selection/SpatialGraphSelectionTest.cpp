@@ -2,42 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "kxspatialgraph/model/KxSpatialGraph.h"
-#include "support/GraphFixtures.h"
-
 namespace {
 
 SpatialGraphPoint pt(int edge, int point) {
     return SpatialGraphPoint(edge, point);
-}
-
-TEST(SpatialGraphSelectionTest, ConstructionSizesAndClear) {
-    SpatialGraphSelection empty;
-    EXPECT_EQ(empty.getNumVertices(), 0);
-    EXPECT_EQ(empty.getNumEdges(), 0);
-    EXPECT_TRUE(empty.isEmpty());
-
-    SpatialGraphSelection s(5, 70);
-    EXPECT_EQ(s.getNumVertices(), 5);
-    EXPECT_EQ(s.getNumEdges(), 70);
-    EXPECT_TRUE(s.isEmpty());
-    EXPECT_FALSE(s.isSameSize(empty));
-
-    s.selectVertex(4);
-    s.selectEdge(69);
-    s.selectAllPointsOnEdge(3);
-    s.selectPoint(pt(1, 2));
-    EXPECT_FALSE(s.isEmpty());
-    s.clear();
-    EXPECT_TRUE(s.isEmpty());
-    EXPECT_EQ(s.getNumVertices(), 5);
-    EXPECT_EQ(s.getNumEdges(), 70);
-    EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(5, 70)));
-
-    auto y = GraphFixtures::makeY();
-    SpatialGraphSelection fromGraph(y.get());
-    EXPECT_TRUE(fromGraph.isSameSize(SpatialGraphSelection(4, 3)));
-    EXPECT_TRUE(fromGraph.isEmpty());
 }
 
 TEST(SpatialGraphSelectionTest, ResizeKeepsBitsInRangeAndAddsClearBits) {
@@ -59,32 +27,6 @@ TEST(SpatialGraphSelectionTest, ResizeKeepsBitsInRangeAndAddsClearBits) {
     EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(40, 40)));
 }
 
-TEST(SpatialGraphSelectionTest, VertexAndEdgeBits) {
-    SpatialGraphSelection s(70, 70);
-    s.selectVertex(3);
-    s.toggleVertex(3);
-    s.toggleVertex(64);
-    EXPECT_FALSE(s.isSelectedVertex(3));
-    EXPECT_TRUE(s.isSelectedVertex(64));
-    s.selectEdge(5);
-    s.selectEdge(5);
-    s.deselectEdge(6);
-    EXPECT_EQ(s.getNumSelectedEdges(), 1);
-    s.deselectEdge(5);
-    EXPECT_FALSE(s.isSelectedEdge(5));
-
-    s.selectAllVerticesAndEdges();
-    EXPECT_EQ(s.getNumSelectedVertices(), 70);
-    EXPECT_EQ(s.getNumSelectedEdges(), 70);
-    s.deselectAllVertices();
-    EXPECT_EQ(s.getNumSelectedVertices(), 0);
-    EXPECT_EQ(s.getNumSelectedEdges(), 70);
-    s.deselectAllEdges();
-    s.selectAllVertices();
-    EXPECT_EQ(s.getNumSelectedVertices(), 70);
-    EXPECT_EQ(s.getNumSelectedEdges(), 0);
-}
-
 TEST(SpatialGraphSelectionTest, GetSelectedCountsAcrossWords) {
     SpatialGraphSelection s(100, 100);
     EXPECT_EQ(s.getSelectedEdge(0), -1);
@@ -102,33 +44,6 @@ TEST(SpatialGraphSelectionTest, GetSelectedCountsAcrossWords) {
     EXPECT_EQ(s.getSelectedVertex(-1), -1);
     EXPECT_EQ(s.getSelectedEdge(0), 33);
     EXPECT_EQ(s.getSelectedEdge(1), -1);
-}
-
-TEST(SpatialGraphSelectionTest, CopyingAndSubsetsOfBitSets) {
-    SpatialGraphSelection a(8, 8), b(8, 8);
-    a.selectVertex(1);
-    a.selectEdge(2);
-    b.selectVertex(1);
-    b.selectVertex(5);
-    EXPECT_TRUE(a.isSubsetVertices(b));
-    EXPECT_FALSE(b.isSubsetVertices(a));
-    EXPECT_FALSE(a.isSubsetEdges(b));
-    EXPECT_TRUE(b.isSubsetEdges(a));
-
-    b.copyEdgeSelection(a);
-    EXPECT_TRUE(b.isSelectedEdge(2));
-    EXPECT_EQ(b.getNumSelectedVertices(), 2);
-    b.copyVertexSelection(a);
-    EXPECT_EQ(b.getNumSelectedVertices(), 1);
-
-    BitField bits(3);
-    bits.set(0);
-    a.setVertexSelection(bits);
-    EXPECT_EQ(a.getNumVertices(), 3);
-    EXPECT_TRUE(a.isSelectedVertex(0));
-    a.setEdgeSelection(bits);
-    EXPECT_EQ(a.getEdgeSelection(), bits);
-    EXPECT_EQ(a.getVertexSelection(), bits);
 }
 
 TEST(SpatialGraphSelectionTest, PointListAndAllPointsBitsAreIndependent) {
