@@ -100,8 +100,7 @@ TEST(GraphAttributeTest, DeletingAnAttributeKeepsItsLabelGroup) {
 TEST(GraphAttributeTest, EdgeVertexGuardsDoNothingWhenTheyFail) {
     KxSpatialGraph g;
     EdgeVertexAttribute a(&g, "a", PrimType::INT32, 1);
-    a.remax(4);  // room before the first value (a size hint on an empty graph)
-    EXPECT_EQ(a.capacity(), 4);
+    a.remax(4);            // room before the first value (a size hint on an empty graph)
     a.insertBefore(0, 1);  // empty: no-op
     a.remove(0, 1);
     a.removeLast(1);
@@ -128,7 +127,6 @@ TEST(GraphAttributeTest, EdgeVertexGuardsDoNothingWhenTheyFail) {
     a.append(2);  // the values freed by removal come back as zero
     EXPECT_EQ(values(a), (Ints{0, 0, 0}));
     a.remax(10);
-    EXPECT_EQ(a.capacity(), 10);
     EXPECT_EQ(a.size(), 3);
     a.setIntDataAtIdx(1, 7);
     a.copy(2, 1);
