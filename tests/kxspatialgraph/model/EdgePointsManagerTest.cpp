@@ -1,5 +1,3 @@
-#include <random>
-
 #include <gtest/gtest.h>
 
 #include "kxspatialgraph/model/EdgePointsManager.h"
@@ -17,15 +15,6 @@ DArray<Vec3f> pointsFor(int e, int n) {
 
 std::vector<int> offsets(const EdgePointsManager& m) {
     return std::vector<int>(m.getOffsets().begin(), m.getOffsets().end());
-}
-
-std::vector<std::vector<Vec3f>> contents(const EdgePointsManager& m) {
-    std::vector<std::vector<Vec3f>> result;
-    for (int e = 0; e < m.getNumEdges(); ++e) {
-        DArray<Vec3f> p = m.getEdgePoints(e);
-        result.emplace_back(p.begin(), p.end());
-    }
-    return result;
 }
 
 }  // namespace
@@ -99,50 +88,4 @@ TEST(EdgePointsManagerTest, BulkRemovalEdgeCases) {
     m.removeMultipleEdges(DArray<int>{0, 1, 2, 3});
     EXPECT_EQ(offsets(m), (std::vector<int>{0}));
     EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
-}
-
-// The bulk operations must give exactly what the single-edge operations give,
-// for random index sets (including empty edges, first and last edges).
-TEST(EdgePointsManagerTest, BulkOperationsMatchSingleEdgeOperations) {
-    std::mt19937 rng(7);
-    for (int round = 0; round < 50; ++round) {
-        SCOPED_TRACE(round);
-        int numEdges = 1 + static_cast<int>(rng() % 12);
-        EdgePointsManager bulk;
-        EdgePointsManager single;
-        for (int e = 0; e < numEdges; ++e) {
-            DArray<Vec3f> p = pointsFor(e, static_cast<int>(rng() % 5));
-            bulk.addEdge(p);
-            single.addEdge(p);
-        }
-        DArray<int> removed;
-        for (int e = 0; e < numEdges; ++e) {
-            if (rng() % 3 == 0) {
-                removed.append(e);
-            }
-        }
-        bulk.removeMultipleEdges(removed);
-        for (int k = removed.size() - 1; k >= 0; --k) {
-            single.removeEdge(removed[k]);
-        }
-        ASSERT_EQ(offsets(bulk), offsets(single));
-        ASSERT_EQ(contents(bulk), contents(single));
-
-        // Insert new edges at random final positions.
-        int finalCount = bulk.getNumEdges() + 1 + static_cast<int>(rng() % 4);
-        DArray<int> positions;
-        DArray<DArray<Vec3f>> pts;
-        for (int p = 0; p < finalCount && positions.size() < finalCount - bulk.getNumEdges(); ++p) {
-            if (rng() % 2 == 0 || finalCount - p == finalCount - bulk.getNumEdges() - positions.size()) {
-                positions.append(p);
-                pts.append(pointsFor(100 + p, static_cast<int>(rng() % 4)));
-            }
-        }
-        bulk.insertMultipleEdges(positions, pts);
-        for (int k = 0; k < positions.size(); ++k) {
-            single.insertEdgeBefore(positions[k], pts[k]);
-        }
-        ASSERT_EQ(offsets(bulk), offsets(single));
-        ASSERT_EQ(contents(bulk), contents(single));
-    }
 }

@@ -64,26 +64,6 @@ TEST(KxSpatialGraphCopyTest, CopyFromReproducesEverythingButAttributeIds) {
     EXPECT_EQ(copy.getLabelId(copy.findEdgeAttribute("Neuron"), "Dendrite"), -1);
 }
 
-TEST(KxSpatialGraphCopyTest, CopyCreatesPointThenEdgeThenVertexAttributes) {
-    auto source = makeRichGraph();
-    std::unique_ptr<KxSpatialGraph> copy(source->duplicate());
-    EXPECT_EQ(describeDifference(*source, *copy, {false, false}), "");
-
-    // Point attributes get the first new ids, then edge, then vertex ones.
-    std::vector<int> ids;
-    for (KxSpatialGraph::Location loc :
-         {KxSpatialGraph::POINT, KxSpatialGraph::EDGE, KxSpatialGraph::VERTEX}) {
-        for (int i = 0; i < copy->numAttributes(loc); ++i) {
-            ids.push_back(copy->attribute(loc, i)->getId());
-        }
-    }
-    ASSERT_EQ(ids.size(), 6u);
-    for (size_t i = 1; i < ids.size(); ++i) {
-        EXPECT_EQ(ids[i], ids[0] + static_cast<int>(i));
-    }
-    EXPECT_GT(ids[0], source->attribute(KxSpatialGraph::VERTEX, 0)->getId());
-}
-
 TEST(KxSpatialGraphCopyTest, CopyFromItselfChangesNothing) {
     auto g = makeRichGraph();
     GraphSnapshot before = takeSnapshot(*g);
