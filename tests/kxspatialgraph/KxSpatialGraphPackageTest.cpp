@@ -53,19 +53,6 @@ TEST(KxSpatialGraphPackageTest, EveryObjectAnswersEveryCommandItsHelpLists) {
     }
 }
 
-TEST(KxSpatialGraphPackageTest, ConsoleHelpListsTheGraphCommands) {
-    korvapackage_kxspatialgraph_init();
-    EXPECT_FALSE(theClassRegistry->registerCommand("NoSuchClass", "merge", "merge otherDataSet"));
-    KxObjectPool pool;
-    KxTclInterpreter tcl(pool);
-    installConsoleCommands(tcl);
-    std::string help = evalOk(tcl, "help");
-    size_t graph = help.find("  KxSpatialGraph\n");
-    ASSERT_NE(graph, std::string::npos) << help;
-    EXPECT_EQ(help.find("      {label} merge otherDataSet\n"), help.find('\n', graph) + 1) << help;
-    EXPECT_NE(help.find("      {label} applyTransform\n"), std::string::npos) << help;
-}
-
 // The example builds two neurons (x 0..10 and 20..30, y 0..6, z 0..1), merges
 // them, scales by 2 and moves by 5 in z, so the baked box is known by hand.
 TEST(KxSpatialGraphPackageTest, GraphBasicsExampleRunsInKorva) {

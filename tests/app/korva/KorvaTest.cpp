@@ -298,13 +298,6 @@ TEST_F(KorvaTest, DistanceSavesTheDistancesAlongTheGraph) {
     EXPECT_EQ(korva({"distance", "line.swc", "--edge", "0", "-o", "x.kxm"}).status, 2);
 }
 
-TEST_F(KorvaTest, UsageListsTheSubcommands) {
-    KorvaRun run = korva({"--help"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.out.find("korva convert IN OUT"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("korva info FILE ..."), std::string::npos) << run.out;
-}
-
 TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuildsWithEitherTubePath) {
     write("cross.tcl", kCrossScript);
     for (bool legacy : {false, true}) {

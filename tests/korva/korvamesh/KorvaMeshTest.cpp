@@ -158,19 +158,6 @@ TEST(KorvaMeshTest, AsciiIgnoresTheLocale) {
     EXPECT_EQ(readFileBytes(path).find(" -3,5 "), std::string::npos);
 }
 
-TEST(KorvaMeshTest, FindDataNeedsAllFourKeys) {
-    KorvaMeshSample sample;
-    const KorvaMesh& mesh = sample.mesh;
-    const KorvaMesh::Data* coords = mesh.findData("POINTS", PrimType::FLOAT32, 3, "Coordinates");
-    ASSERT_TRUE(coords);
-    EXPECT_EQ(coords->getValues(), sample.coords);
-    EXPECT_EQ(coords->getNumValues(), 15);
-    EXPECT_FALSE(mesh.findData("EMPTY", PrimType::FLOAT32, 3, "Coordinates"));
-    EXPECT_FALSE(mesh.findData("POINTS", PrimType::FLOAT64, 3, "Coordinates"));
-    EXPECT_FALSE(mesh.findData("POINTS", PrimType::FLOAT32, 1, "Coordinates"));
-    EXPECT_FALSE(mesh.findData("POINTS", PrimType::FLOAT32, 3, "coordinates"));
-}
-
 TEST(KorvaMeshTest, RefusesInvalidLocationsAndArrays) {
     KorvaMesh mesh;
     KorvaMesh other;
