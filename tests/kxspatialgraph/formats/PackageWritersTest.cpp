@@ -12,7 +12,8 @@
 namespace {
 
 // Every writer of the package, saving over an existing file.
-const char* const kWriters[] = {"KorvaMesh", "KorvaMeshASCII", "SWC", "NeurolucidaASCII", "HOC"};
+const char* const kWriters[] = {"KorvaMesh", "KorvaMeshASCII",   "KorvaMeshCompressed",
+                                "SWC",       "NeurolucidaASCII", "HOC"};
 
 const char* const kNeuron = R"(create soma, dend[2]
 connect dend[0](0), soma(1)
