@@ -206,6 +206,12 @@ TEST(KxSpatialGraphTest, EdgeWithEndOutsideTheGraphIsReportedNotFollowed) {
     EXPECT_EQ(
         capture.lines(),
         (std::vector<std::string>{"Error: Edge target out of range: Edge: 0. Target: 3. #vertices: 1."}));
+
+    // Renumbering after a removal leaves such an end as it is.
+    g.addVertex(Vec3f(1, 0, 0));
+    g.addVertex(Vec3f(2, 0, 0));
+    g.removeMultipleVertices(DArray<int>{1});
+    EXPECT_EQ(g.getEdgeTarget(0), 3);
 }
 
 // The bulk appends and an attribute created from values give the graph that
