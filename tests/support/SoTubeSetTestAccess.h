@@ -11,7 +11,6 @@ class SoTubeSetTestAccess {
 public:
     using ContextGroup = SoTubeSet::GLContextGroup;
 
-    static const std::vector<Vec3f>& profile(const SoTubeSet& t) { return t.profile_; }
     static const std::vector<Vec3f>& tubeVertices(const SoTubeSet& t) { return t.tubeVertices_; }
     static const std::vector<unsigned int>& tubeIndices(const SoTubeSet& t) { return t.tubeIndices_; }
     static unsigned int firstIndex(const SoTubeSet& t, unsigned int line) { return t.firstIndex_[line]; }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 
@@ -25,51 +23,6 @@ KxColormap blueToRed() {
 }
 
 }  // namespace
-
-TEST(SoTubeSetTest, ProfileAndComplexity) {
-    SoTubeSet* tubes = makeTubeSet();
-    tubes->setTubeComplexity(2);
-    EXPECT_EQ(tubes->getTubeComplexity(), 12);
-    const std::vector<Vec3f>& profile = SoTubeSetTestAccess::profile(*tubes);
-    ASSERT_EQ(profile.size(), 12u);
-    EXPECT_NEAR(profile[3].x, 0.0f, 1e-6f);
-    EXPECT_NEAR(profile[3].y, 1.0f, 1e-6f);
-    EXPECT_EQ(profile[3].z, 1.0f);
-    // Odd counts overshoot: 5 sides step by a quarter turn, the last back at the start.
-    tubes->setTubeComplexity(5);
-    EXPECT_NEAR(SoTubeSetTestAccess::profile(*tubes)[4].x, 1.0f, 1e-6f);
-    EXPECT_NEAR(SoTubeSetTestAccess::profile(*tubes)[4].y, 0.0f, 1e-6f);
-    tubes->unref();
-}
-
-TEST(SoTubeSetTest, TubeStripRunsBandByBandAlternatingDirection) {
-    SoTubeSet* tubes = makeTubeSet();
-    tubes->setTubeComplexity(4);
-    const Vec3f empty[] = {Vec3f(9, 9, 9)};
-    const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(2, 0, 0)};
-    tubes->setNumLines(2);
-    tubes->setLine(0, 0, empty);
-    tubes->setLine(1, 3, line);
-    SoTubeSetTestAccess::generateTubeGeometry(*tubes);
-    ASSERT_EQ(SoTubeSetTestAccess::tubeVertices(*tubes).size(), 12u);
-    EXPECT_EQ(SoTubeSetTestAccess::indexCount(*tubes, 0), 0u);
-    EXPECT_EQ(SoTubeSetTestAccess::firstIndex(*tubes, 1), 0u);
-    ASSERT_EQ(SoTubeSetTestAccess::indexCount(*tubes, 1), 24u);
-    const unsigned int expected[] = {0, 3, 1, 4,  2, 5,  5,  8, 4,  7, 3, 6,
-                                     6, 9, 7, 10, 8, 11, 11, 2, 10, 1, 9, 0};
-    for (int i = 0; i < 24; ++i) {
-        EXPECT_EQ(SoTubeSetTestAccess::tubeIndices(*tubes)[i], expected[i]) << i;
-    }
-    // Vertex j·m + i lies on the unit ring around point i.
-    for (int j = 0; j < 4; ++j) {
-        for (int i = 0; i < 3; ++i) {
-            const Vec3f& v = SoTubeSetTestAccess::tubeVertices(*tubes)[j * 3 + i];
-            EXPECT_NEAR(v.distance(line[i]), 1.0f, 1e-5f);
-            EXPECT_NEAR(v.x, line[i].x, 1e-5f);
-        }
-    }
-    tubes->unref();
-}
 
 TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
     SoTubeSet* tubes = makeTubeSet();
