@@ -116,25 +116,21 @@ TEST(SkeletonGraphKorvaMeshTest, ImportsEveryRunOnce) {
         EXPECT_EQ(g->getNumVertices(), c.vertices);
         EXPECT_EQ(edgeRuns(*g), c.runs);
         EXPECT_TRUE(capture.lines().empty()) << capture.text();
+        // Each point's radius is its thickness; no types, no material labels.
+        const PointAttribute* thickness = g->findEdgePointAttribute("Thickness");
+        ASSERT_TRUE(thickness);
+        for (int e = 0; e < g->getNumEdges(); ++e) {
+            for (int p = 0; p < g->getNumEdgePoints(e); ++p) {
+                EXPECT_EQ(thickness->getFloatDataAtPoint(e, p), 0.5f + g->getEdgePoint(e, p).x);
+            }
+        }
+        EXPECT_FALSE(g->getLabelGroup("Materials"));
     }
-}
-
-TEST(SkeletonGraphKorvaMeshTest, RadiiBecomeThickness) {
-    Skeleton s;
-    s.neighbours = {{1}, {0, 2}, {1}};
-    KxMessageCapture capture;
-    std::unique_ptr<KxSpatialGraph> g = load(s, capture);
-    ASSERT_TRUE(g);
-    PointAttribute* thickness = g->findEdgePointAttribute("Thickness");
-    ASSERT_TRUE(thickness);
-    EXPECT_EQ(thickness->getFloatDataAtPoint(0, 0), 0.5f);
-    EXPECT_EQ(thickness->getFloatDataAtPoint(0, 2), 2.5f);
-    EXPECT_FALSE(g->getLabelGroup("Materials"));
-
     Skeleton bare;
     bare.neighbours = {{1}, {0}};
     bare.withRadii = false;
-    g = load(bare, capture);
+    KxMessageCapture capture;
+    std::unique_ptr<KxSpatialGraph> g = load(bare, capture);
     ASSERT_TRUE(g);
     EXPECT_EQ(g->getNumEdgePointAttributes(), 0);
 }
