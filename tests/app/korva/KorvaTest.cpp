@@ -89,6 +89,7 @@ TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
     write("cross.tcl", kCrossScript);
     write("damaged.kxm", kDamagedGraph);
     write("noext", "puts \"ran [lindex $argv 0]\"\n");
+    write("data.xyz", "something");
     ASSERT_EQ(korva({"-c", "source cross.tcl; save KorvaMesh cross cross.kxm"}).status, 0);
     struct Case {
         std::vector<std::string> args;
@@ -109,6 +110,7 @@ TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
         {{"info", "damaged.kxm"}, 1, false, "Error: target vertex 1 coordinates"},
         {{"info"}, 2, false, "USAGE: korva info FILE ...\n"},
         {{"-c", "create KxSpatialGraph g; g merge"}, 1, false, "USAGE: merge otherDataSet\n"},
+        {{"-c", "load data.xyz"}, 1, false, "Error: Unknown file format of data.xyz.\n"},
         {{"-c", "create KxSpatialGraph g; g addVertex 1 2 zz"},
          1,
          false,
@@ -183,24 +185,6 @@ TEST_F(KorvaTest, CommandsRunWithDashC) {
     EXPECT_EQ(bad.status, 1);
     EXPECT_EQ(bad.err.compare(0, 44, "Error: invalid command name \"nosuchcommand\"\n"), 0) << bad.err;
     EXPECT_EQ(korva({"-c"}).status, 2);
-}
-
-TEST_F(KorvaTest, LoadOfUnknownOrMissingFilesGivesOneErrorLine) {
-    write("data.xyz", "something");
-    KorvaRun unknown = korva({"-c", "load data.xyz"});
-    EXPECT_EQ(unknown.status, 1);
-    EXPECT_EQ(count(unknown.err, "Error: Unknown file format of data.xyz."), 1) << unknown.err;
-
-    KorvaRun missing = korva({"-c", "load gone.swc"});
-    EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(count(missing.err, "Error: Cannot read file gone.swc: No such file or directory."), 1)
-        << missing.err;
-
-    // A script may catch the failure and go on; the line is still shown.
-    KorvaRun caught = korva({"-c", "if {[catch {load data.xyz} msg]} { puts \"caught: $msg\" }"});
-    EXPECT_EQ(caught.status, 0) << caught.err;
-    EXPECT_EQ(caught.out, "caught: Error: Unknown file format of data.xyz.\n");
-    EXPECT_EQ(caught.err, "Error: Unknown file format of data.xyz.\n");
 }
 
 TEST_F(KorvaTest, ConsoleReadsCommandsFromStdinWhenItIsNotATerminal) {
