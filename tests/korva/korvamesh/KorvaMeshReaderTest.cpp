@@ -69,6 +69,9 @@ TEST(KorvaMeshReaderTest, RejectsMalformedHeaders) {
     const Case cases[] = {
         {"empty", "", "not a KorvaMesh file"},
         {"other format", "ply\nformat ascii 1.0\n", "not a KorvaMesh file"},
+        {"signature alone", "KorvaMesh", "not a KorvaMesh file"},
+        {"longer word", "KorvaMeshX 1 ascii\nend\n", "not a KorvaMesh file"},
+        {"lower case", "korvamesh 1 ascii\nend\n", "not a KorvaMesh file"},
         {"no version", "KorvaMesh ", "expected the format version"},
         {"future version", "KorvaMesh 2 ascii\nend\n", "unsupported format version \"2\""},
         {"version not a number", "KorvaMesh one ascii\nend\n", "unsupported format version \"one\""},

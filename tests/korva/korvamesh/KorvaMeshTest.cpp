@@ -182,19 +182,6 @@ TEST(KorvaMeshTest, RefusesInvalidLocationsAndArrays) {
     EXPECT_TRUE(mesh.createData("a", m, PrimType::INT32, 1, values));
 }
 
-TEST(KorvaMeshTest, RecognisesItsSignature) {
-    const std::string good = "KorvaMesh 1 ascii\n";
-    EXPECT_TRUE(KorvaMesh::hasSignature(good.data(), good.size()));
-    for (const char* bad : {"KorvaMesh", "KorvaMeshX 1", "korvamesh 1 ascii", "# KorvaMesh 1", ""}) {
-        SCOPED_TRACE(bad);
-        EXPECT_FALSE(KorvaMesh::hasSignature(bad, std::strlen(bad)));
-    }
-}
-
-}  // namespace
-
-namespace {
-
 TEST(KorvaMeshTest, ProbesTheContentTypeFromTheFileStart) {
     KorvaMesh mesh;
     KxParamBundle& p = mesh.getParameters();
