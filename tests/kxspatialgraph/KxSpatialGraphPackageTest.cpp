@@ -1,7 +1,5 @@
 #include "kxspatialgraph/KxSpatialGraphPackage.h"
 
-#include <cstdio>
-#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -13,18 +11,6 @@
 #include "korva/core/KxTclInterpreter.h"
 #include "support/KorvaRunner.h"
 #include "support/TclEval.h"
-
-TEST(KxSpatialGraphPackageTest, RegistersTheGraphClass) {
-    korvapackage_kxspatialgraph_init();
-    std::unique_ptr<KxObject> object(theClassRegistry->createInstance("KxSpatialGraph"));
-    ASSERT_NE(object, nullptr);
-    EXPECT_STREQ(object->getTypeName(), "KxSpatialGraph");
-    EXPECT_STREQ(theClassRegistry->getPackage("KxSpatialGraph"), "kxspatialgraph");
-    for (const char* name : {"KxSpatialGraphInterface", "KxSpatialGraphInterfaceImpl",
-                             "KxSpatialGraphSelectionInterface", "KxSpatialGraphSelectionInterfaceImpl"}) {
-        EXPECT_STREQ(theClassRegistry->getPackage(name), "kxspatialgraph") << name;
-    }
-}
 
 // `{label} help` of every class create can make lists the commands of its
 // base classes too, and the object answers each of them.
