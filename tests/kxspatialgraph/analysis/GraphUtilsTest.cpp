@@ -2,11 +2,14 @@
 
 #include <cmath>
 #include <memory>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "QuadraticLineAnalysis.h"
 #include "korva/core/KxMessageCapture.h"
+#include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 
@@ -53,7 +56,122 @@ void setThickness(KxSpatialGraph& g, const std::vector<float>& perLine) {
     }
 }
 
+// Few places, so that ends coincide across vertices; -0 beside 0, now and
+// then a NaN vertex; self-loops and parallel lines on purpose.
+std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
+    auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    std::vector<Vec3f> places{Vec3f(0, 0, 0)};
+    for (int i = pick(7); i >= 0; --i) {
+        places.emplace_back(float(pick(3)), float(pick(3)), float(pick(2)));
+    }
+    std::vector<Vec3f> vertices;
+    for (int i = pick(12); i >= 0; --i) {
+        Vec3f c = places[static_cast<size_t>(pick(static_cast<int>(places.size())))];
+        vertices.push_back(pick(30) == 0 ? Vec3f(NAN, 0, 0)
+                                         : (c == Vec3f(0, 0, 0) && pick(2) ? Vec3f(-0.0f, 0, 0) : c));
+    }
+    std::vector<std::pair<int, int>> edges;
+    int numVertices = static_cast<int>(vertices.size());
+    for (int i = pick(30); i > 0; --i) {
+        int s = pick(numVertices), t = pick(numVertices);
+        if (pick(8) == 0) {
+            t = s;
+        } else if (!edges.empty() && pick(6) == 0) {
+            std::tie(t, s) = edges[static_cast<size_t>(pick(static_cast<int>(edges.size())))];
+        }
+        edges.emplace_back(s, t);
+    }
+    auto g = makeGraph(vertices, edges);
+    std::vector<float> thickness;
+    for (size_t e = 0; e < edges.size(); ++e) {
+        thickness.push_back(float(1 + pick(3)));
+    }
+    setThickness(*g, thickness);
+    if (pick(2)) {
+        auto* ranks = static_cast<EdgeVertexAttribute*>(
+            g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));
+        for (int e = 0; e < g->getNumEdges(); ++e) {
+            ranks->setIntDataAtIdx(e, pick(5));
+        }
+    }
+    return g;
+}
+
+void expectSameTrees(const KxSpatialGraph* g, const Lines& startLines) {
+    LineSets trees, expectedTrees;
+    Lines ranks, expectedRanks;
+    DArray<GraphUtils::LineLocation> locations, expectedLocations;
+    GraphUtils::identifyTrees(g, trees, ranks, locations, startLines);
+    QuadraticLineAnalysis::trees(g, expectedTrees, expectedRanks, expectedLocations, startLines);
+    EXPECT_TRUE(trees == expectedTrees) << text(trees) << " vs " << text(expectedTrees);
+    EXPECT_TRUE(ranks == expectedRanks) << text(ranks) << " vs " << text(expectedRanks);
+    for (int e = 0; e < g->getNumEdges(); ++e) {
+        EXPECT_EQ(locations[e].tree, expectedLocations[e].tree) << "line " << e;
+        EXPECT_EQ(locations[e].position, expectedLocations[e].position) << "line " << e;
+    }
+}
+
+void expectSameLoops(const KxSpatialGraph* g, const Lines& startLines) {
+    LineSets loops, expectedLoops;
+    Lines loopy, expectedLoopy;
+    GraphUtils::identifyLoops(g, loops, loopy, startLines);
+    QuadraticLineAnalysis::loops(g, expectedLoops, expectedLoopy, startLines);
+    EXPECT_TRUE(loops == expectedLoops) << text(loops) << " vs " << text(expectedLoops);
+    EXPECT_TRUE(loopy == expectedLoopy) << text(loopy) << " vs " << text(expectedLoopy);
+}
+
 }  // namespace
+
+TEST(GraphUtilsTest, GivesTheQuadraticProceduresResultsOnRandomGraphs) {
+    std::mt19937 rng(20261123);
+    KxMessageCapture console;
+    for (int round = 0; round < 600; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        auto g = randomGraph(rng);
+        int n = g->getNumEdges();
+        Lines startLines;
+        for (int e = 0; e < n; ++e) {
+            if (rng() % 3 == 0) {
+                startLines.append(e);
+            }
+        }
+        for (const Lines& start : {Lines(), startLines}) {
+            expectSameTrees(g.get(), start);
+            expectSameLoops(g.get(), start);
+        }
+        Lines generating;
+        GraphUtils::getLoopGeneratingLines(g.get(), generating);
+        Lines expectedGenerating = QuadraticLineAnalysis::loopGeneratingLines(g.get());
+        EXPECT_TRUE(generating == expectedGenerating)
+            << text(generating) << " vs " << text(expectedGenerating);
+        if (n == 0) {
+            continue;
+        }
+
+        int start = static_cast<int>(rng() % static_cast<unsigned>(n));
+        Lines treeLines, expectedLines;
+        LineSets levels, expectedLevels;
+        testing::internal::CaptureStdout();
+        GraphUtils::identifyTree(g.get(), start, treeLines, levels);
+        std::string printed = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(printed, QuadraticLineAnalysis::tree(g.get(), start, expectedLines, expectedLevels));
+        EXPECT_TRUE(treeLines == expectedLines) << text(treeLines) << " vs " << text(expectedLines);
+        EXPECT_TRUE(levels == expectedLevels) << text(levels) << " vs " << text(expectedLevels);
+
+        // One step of the walk from a partly finished state.
+        Lines pending(n), loopy, expectedLoopy;
+        for (int e = 0; e < n; ++e) {
+            pending[e] = rng() % 4 == 0 ? -1 : e;
+        }
+        Lines expectedPending = pending;
+        int prev = static_cast<int>(rng() % static_cast<unsigned>(n + 1)) - 1;
+        int result = GraphUtils::identifyLoopRecur(g.get(), loopy, pending, prev, start);
+        QuadraticLineAnalysis::LoopWalk walk{g.get(), expectedLoopy, expectedPending, {}};
+        EXPECT_EQ(result, walk.recur(prev, start));
+        EXPECT_TRUE(loopy == expectedLoopy) << text(loopy) << " vs " << text(expectedLoopy);
+        EXPECT_TRUE(pending == expectedPending) << text(pending) << " vs " << text(expectedPending);
+    }
+}
 
 TEST(GraphUtilsTest, FindsTheTreesAndLoopsOfSmallGraphs) {
     const Vec3f a(0, 0, 0), b(1, 0, 0), c(1, 1, 0), d(0, 1, 0);
