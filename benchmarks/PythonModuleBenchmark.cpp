@@ -30,7 +30,14 @@ namespace {
 // The interpreter and the module, made once before the first benchmark, so
 // that both load paths run with the module's session in place.
 py::module_& module() {
-    static py::scoped_interpreter interpreter;
+    static py::scoped_interpreter interpreter = [] {
+        // The interpreter the module was built for, whatever python3 comes
+        // first on PATH: another one would not see Debian's NumPy.
+        PyConfig config;
+        PyConfig_InitPythonConfig(&config);
+        PyConfig_SetBytesString(&config, &config.program_name, KORVA_PYTHON_EXECUTABLE);
+        return py::scoped_interpreter(&config);
+    }();
     static py::module_ kxspatialgraph = [] {
         py::module_::import("sys").attr("path").attr("insert")(0, KORVA_PYTHON_DIR);
         return py::module_::import("kxspatialgraph");
