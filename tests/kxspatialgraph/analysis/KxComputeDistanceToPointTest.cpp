@@ -14,11 +14,8 @@
 #include <Inventor/nodes/SoSeparator.h>
 #include <gtest/gtest.h>
 
-#include "korva/core/KxConsoleCommands.h"
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxObjectPool.h"
-#include "korva/core/KxPackageLoader.h"
-#include "korva/core/KxTclInterpreter.h"
 #include "korva/modules/KxSessionState.h"
 #include "korva/viewer/KxPickDispatch.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
@@ -27,6 +24,7 @@
 #include "support/GraphFixtures.h"
 #include "support/TclEval.h"
 #include "support/TempDir.h"
+#include "support/ModuleSessionTest.h"
 
 namespace {
 
@@ -54,18 +52,12 @@ std::unique_ptr<KxSpatialGraph> makeCombs() {
     return g;
 }
 
-class KxComputeDistanceToPointTest : public ::testing::Test {
+class KxComputeDistanceToPointTest : public ModuleSessionTest {
 protected:
-    KxComputeDistanceToPointTest() : tcl_(*theObjectPool) {
-        installConsoleCommands(tcl_);
-        KxSessionState::installCommands(tcl_);
-    }
     void SetUp() override {
-        ASSERT_TRUE(thePackageLoader->load("kxspatialgraph"));
+        ModuleSessionTest::SetUp();
         theObjectPool->add(module_, "D");
     }
-    ~KxComputeDistanceToPointTest() override { theObjectPool->clear(); }
-
     KxSpatialGraph* attach(std::unique_ptr<KxSpatialGraph> graph) {
         KxSpatialGraph* g = graph.release();
         theObjectPool->add(g, "g.kxm");
@@ -81,7 +73,6 @@ protected:
         return result ? *result : empty_;
     }
 
-    KxTclInterpreter tcl_;
     KxComputeDistanceToPoint* module_ = new KxComputeDistanceToPoint;
     KxSpatialGraph empty_;
     TempDir dir_;

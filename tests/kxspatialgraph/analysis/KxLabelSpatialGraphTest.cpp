@@ -6,12 +6,12 @@
 #include <gtest/gtest.h>
 
 #include "korva/core/KxObjectPool.h"
-#include "korva/core/KxPackageLoader.h"
 #include "korva/data/KxUniformLabelField3.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphComparison.h"
+#include "support/ModuleSessionTest.h"
 
 namespace {
 
@@ -43,18 +43,16 @@ KxSpatialGraph* makeGraph() {
     return g;
 }
 
-class KxLabelSpatialGraphTest : public ::testing::Test {
+class KxLabelSpatialGraphTest : public ModuleSessionTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(thePackageLoader->load("kxspatialgraph"));
+        ModuleSessionTest::SetUp();
         theObjectPool->add(graph_, "cell.kxm");
         theObjectPool->add(field_, "labels.kxm");
         theObjectPool->add(module_, "Label");
         module_->portData.connect(graph_);
         module_->portLabelData.connect(field_);
     }
-    ~KxLabelSpatialGraphTest() override { theObjectPool->clear(); }
-
     KxSpatialGraph* run(int points, int nodes) {
         module_->portLocation.setValue(KxLabelSpatialGraph::POINT_TOGGLE, points);
         module_->portLocation.setValue(KxLabelSpatialGraph::NODE_TOGGLE, nodes);

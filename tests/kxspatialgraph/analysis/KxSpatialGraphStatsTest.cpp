@@ -6,10 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "korva/core/KxConsoleCommands.h"
 #include "korva/core/KxObjectPool.h"
-#include "korva/core/KxPackageLoader.h"
-#include "korva/core/KxTclInterpreter.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/modules/KxSessionState.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
@@ -19,6 +16,7 @@
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "support/TclEval.h"
 #include "support/TempDir.h"
+#include "support/ModuleSessionTest.h"
 
 namespace {
 
@@ -82,28 +80,21 @@ std::string column(const KxSpreadSheet::Table& table, int c) {
     return text;
 }
 
-class KxSpatialGraphStatsTest : public ::testing::Test {
+class KxSpatialGraphStatsTest : public ModuleSessionTest {
 protected:
-    KxSpatialGraphStatsTest() : tcl_(*theObjectPool) {
-        installConsoleCommands(tcl_);
-        KxSessionState::installCommands(tcl_);
-    }
     void SetUp() override {
-        ASSERT_TRUE(thePackageLoader->load("kxspatialgraph"));
+        ModuleSessionTest::SetUp();
         graph_ = makeMeasuredGraph();
         theObjectPool->add(graph_, "cell.kxm");
         theObjectPool->add(stats_, "Stats");
         stats_->portData.connect(graph_);
     }
-    ~KxSpatialGraphStatsTest() override { theObjectPool->clear(); }
-
     KxSpreadSheet* run() {
         stats_->portDoIt.hit();
         stats_->fire();
         return dynamic_cast<KxSpreadSheet*>(stats_->getResult());
     }
 
-    KxTclInterpreter tcl_;
     KxSpatialGraph* graph_ = nullptr;
     KxSpatialGraphStats* stats_ = new KxSpatialGraphStats;
     TempDir dir_;

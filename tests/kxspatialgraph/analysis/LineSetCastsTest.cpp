@@ -7,7 +7,6 @@
 #include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxObjectPool.h"
-#include "korva/core/KxPackageLoader.h"
 #include "korva/data/KxLineSet.h"
 #include "kxspatialgraph/analysis/CastKxLineSetToKxSpatialGraph.h"
 #include "kxspatialgraph/analysis/CastKxSpatialGraphToKxLineSet.h"
@@ -16,6 +15,7 @@
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
 #include "support/TempDir.h"
+#include "support/ModuleSessionTest.h"
 
 namespace {
 
@@ -40,11 +40,8 @@ KxLineSet* makeLineSet(const std::vector<std::vector<int>>& lines, int columns) 
     return ls;
 }
 
-class LineSetCastsTest : public ::testing::Test {
+class LineSetCastsTest : public ModuleSessionTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(thePackageLoader->load("kxspatialgraph")); }
-    ~LineSetCastsTest() override { theObjectPool->clear(); }
-
     KxSpatialGraph* toGraph(KxLineSet* lineSet, int thicknessColumn = 0) {
         theObjectPool->add(lineSet);
         auto* cast = new CastKxLineSetToKxSpatialGraph;

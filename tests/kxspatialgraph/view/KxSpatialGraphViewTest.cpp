@@ -13,15 +13,11 @@
 #include <Inventor/nodes/SoSeparator.h>
 #include <gtest/gtest.h>
 
-#include "korva/core/KxConsoleCommands.h"
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxObjectPool.h"
-#include "korva/core/KxPackageLoader.h"
-#include "korva/core/KxTclInterpreter.h"
 #include "korva/data/KxColormap.h"
 #include "korva/data/KxSpreadSheet.h"
 #include "korva/gl/KxGLCapabilities.h"
-#include "korva/modules/KxSessionState.h"
 #include "korva/viewer/KxOffscreenRenderer.h"
 #include "korva/viewer/KxPickDispatch.h"
 #include "korva/viewer/KxViewer.h"
@@ -32,6 +28,7 @@
 #include "support/GraphFixtures.h"
 #include "support/RenderFixtures.h"
 #include "support/TclEval.h"
+#include "support/ModuleSessionTest.h"
 
 namespace {
 
@@ -70,15 +67,9 @@ std::unique_ptr<KxSpatialGraph> makeTwoLines() {
     return g;
 }
 
-class KxSpatialGraphViewTest : public ::testing::Test {
+class KxSpatialGraphViewTest : public ModuleSessionTest {
 protected:
-    KxSpatialGraphViewTest() : tcl_(*theObjectPool) {
-        installConsoleCommands(tcl_);
-        KxSessionState::installCommands(tcl_);
-        KxViewer::installCommands(tcl_);
-    }
-    void SetUp() override { ASSERT_TRUE(thePackageLoader->load("kxspatialgraph")); }
-    ~KxSpatialGraphViewTest() override { theObjectPool->clear(); }
+    KxSpatialGraphViewTest() { KxViewer::installCommands(tcl_); }
 
     // A view "V" of the graph "g.kxm", computed.
     KxSpatialGraphView* show(std::unique_ptr<KxSpatialGraph> graph) {
@@ -121,7 +112,6 @@ protected:
         return capture.lines();
     }
 
-    KxTclInterpreter tcl_;
     KxSpatialGraph* graph_ = nullptr;
 };
 
