@@ -3,9 +3,7 @@
 // the surviving values must be the expected shifted sequence, and new
 // elements must carry zero (or the supplied values).
 
-#include <cstring>
 #include <functional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -355,118 +353,4 @@ TEST(KxSpatialGraphAttributeBookkeepingTest, UnsuppliedValueAtTheEndIsNotAdded) 
               std::vector<std::string>{
                   "Error: unequal number of edges (5) and edge values (4) for attribute EdgeMarker"});
     EXPECT_EQ(h->findEdgePointAttribute("PointMarker")->getNumEdgePoints(4), 3);
-}
-
-namespace {
-
-// A random marked graph with self-loops and parallel edges.
-std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
-    auto g = std::make_unique<KxSpatialGraph>();
-    int numVertices = 1 + static_cast<int>(rng() % 7);
-    for (int v = 0; v < numVertices; ++v) {
-        g->addVertex(Vec3f(static_cast<float>(rng() % 10), static_cast<float>(v), 0));
-    }
-    int numEdges = static_cast<int>(rng() % 9);
-    for (int e = 0; e < numEdges; ++e) {
-        int s = static_cast<int>(rng() % static_cast<unsigned>(numVertices));
-        int t = rng() % 4 == 0 ? s : static_cast<int>(rng() % static_cast<unsigned>(numVertices));
-        int n = 2 + static_cast<int>(rng() % 3);
-        g->addEdge(s, t, straightPoints(g->getVertexCoords(s), g->getVertexCoords(t), n));
-    }
-    addIdentityMarkers(*g);
-    return g;
-}
-
-DArray<int> randomSubset(std::mt19937& rng, int count) {
-    DArray<int> subset;
-    for (int i = 0; i < count; ++i) {
-        if (rng() % 3 == 0) {
-            subset.append(i);
-        }
-    }
-    return subset;
-}
-
-TypedElement rowElement(const TypedData2D& rows, int k) {
-    TypedElement element(rows.getPrimType(), rows.getNumComponents());
-    std::memcpy(element.getData(), rows.getRow(k), rows.getRowBytes());
-    return element;
-}
-
-::testing::AssertionResult sameExactly(const KxSpatialGraph& expected, const KxSpatialGraph& actual) {
-    GraphComparisonOptions exact;
-    exact.exactIncidenceOrder = true;
-    exact.compareAttributeIds = false;  // one graph is a copy of the other
-    return sameGraph(takeSnapshot(expected), actual, exact);
-}
-
-}  // namespace
-
-// The Multiple primitives must leave exactly what the single ones leave when
-// applied one index at a time (removals from the back, inserts from the
-// front), incidence order included.
-TEST(KxSpatialGraphAttributeBookkeepingTest, MultiplePrimitivesMatchSingleOnes) {
-    std::mt19937 rng(5);
-    for (int round = 0; round < 60; ++round) {
-        SCOPED_TRACE(round);
-        auto bulk = randomGraph(rng);
-        KxSpatialGraph single;
-        single.copyFrom(bulk.get());
-
-        SavedElements edges;
-        edges.save(*bulk, randomSubset(rng, bulk->getNumEdges()), DArray<int>());
-        bulk->removeMultipleEdges(edges.edges);
-        for (int k = edges.edges.size() - 1; k >= 0; --k) {
-            single.removeEdge(edges.edges[k]);
-        }
-        ASSERT_TRUE(sameExactly(single, *bulk));
-
-        edges.restore(*bulk);
-        for (int k = 0; k < edges.edges.size(); ++k) {
-            DArray<TypedElement> ev;
-            for (const TypedData2D& rows : edges.edgeValues) {
-                ev.append(rowElement(rows, k));
-            }
-            DArray<TypedData2D> pv;
-            for (const DArray<TypedData2D>& blocks : edges.pointValues) {
-                pv.append(blocks[k]);
-            }
-            single.insertEdge(edges.edges[k], edges.ends[k], edges.points[k], ev,
-                              ids(single, KxSpatialGraph::EDGE), pv, ids(single, KxSpatialGraph::POINT));
-        }
-        ASSERT_TRUE(sameExactly(single, *bulk));
-        expectConsistent(*bulk);
-
-        // Vertices go after their edges.
-        DArray<int> vertices = randomSubset(rng, bulk->getNumVertices());
-        DArray<int> incident;
-        for (int e = 0; e < bulk->getNumEdges(); ++e) {
-            for (int v : vertices) {
-                if (bulk->getEdgeSource(e) == v || bulk->getEdgeTarget(e) == v) {
-                    incident.append(e);
-                    break;
-                }
-            }
-        }
-        bulk->removeMultipleEdges(incident);
-        single.removeMultipleEdges(incident);
-        SavedElements saved;
-        saved.save(*bulk, DArray<int>(), vertices);
-        bulk->removeMultipleVertices(vertices);
-        for (int k = vertices.size() - 1; k >= 0; --k) {
-            single.removeVertex(vertices[k]);
-        }
-        ASSERT_TRUE(sameExactly(single, *bulk));
-
-        saved.restore(*bulk);
-        for (int k = 0; k < vertices.size(); ++k) {
-            DArray<TypedElement> values;
-            for (const TypedData2D& rows : saved.vertexValues) {
-                values.append(rowElement(rows, k));
-            }
-            single.insertVertex(vertices[k], saved.coords[k], values, ids(single, KxSpatialGraph::VERTEX));
-        }
-        ASSERT_TRUE(sameExactly(single, *bulk));
-        expectConsistent(*bulk);
-    }
 }

@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -10,7 +9,6 @@
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
-#include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
 
@@ -212,59 +210,4 @@ TEST(KxSpatialGraphTest, EdgeWithEndOutsideTheGraphIsReportedNotFollowed) {
     g.addVertex(Vec3f(2, 0, 0));
     g.removeMultipleVertices(DArray<int>{1});
     EXPECT_EQ(g.getEdgeTarget(0), 3);
-}
-
-// The bulk appends and an attribute created from values give the graph that
-// one element at a time and value by value give, attributes already present
-// included (they get zeros for the new elements).
-TEST(KxSpatialGraphTest, BulkAppendAndAttributeFromValuesMatchOneByOne) {
-    const std::vector<Vec3f> coords = {Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(2, 0, 0), Vec3f(3, 1, 0)};
-    const Ints ends = {0, 1, 1, 1, 2, 3};
-    const Ints counts = {3, 2, 4};
-    const std::vector<Vec3f> points = {coords[0], Vec3f(0.5f, 1, 0), coords[1],         coords[1], coords[1],
-                                       coords[2], Vec3f(2.5f, 0, 0), Vec3f(2.7f, 1, 0), coords[3]};
-    const std::vector<float> values = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-    auto withAttributes = [](KxSpatialGraph& g) {
-        g.addEdge(g.addVertex(Vec3f(9, 9, 9)), 0);
-        g.addAttribute("v", KxSpatialGraph::VERTEX, PrimType::INT32, 1);
-        g.addAttribute("e", KxSpatialGraph::EDGE, PrimType::FLOAT32, 2);
-        g.addAttribute("p", KxSpatialGraph::POINT, PrimType::INT32, 1);
-    };
-    KxSpatialGraph oneByOne, bulk;
-    withAttributes(oneByOne);
-    withAttributes(bulk);
-    for (const Vec3f& c : coords) {
-        oneByOne.addVertex(c);
-    }
-    const Vec3f* next = points.data();
-    for (size_t k = 0; k < counts.size(); ++k) {
-        oneByOne.addEdge(ends[2 * k] + 1, ends[2 * k + 1] + 1, next, counts[k]);
-        next += counts[k];
-    }
-    auto* thickness = static_cast<PointAttribute*>(
-        oneByOne.addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
-    thickness->setFloatDataAtPoint(0, 0, 0);
-    thickness->setFloatDataAtPoint(0, 0, 1);
-    for (int e = 1, i = 0; e < oneByOne.getNumEdges(); ++e) {
-        for (int p = 0; p < oneByOne.getNumEdgePoints(e); ++p) {
-            thickness->setFloatDataAtPoint(values[static_cast<size_t>(i++)], e, p);
-        }
-    }
-
-    Ints shiftedEnds = ends;
-    for (int& v : shiftedEnds) {
-        ++v;  // vertex 0 is the one added before
-    }
-    bulk.appendMultipleVertices(coords.data(), static_cast<int>(coords.size()));
-    bulk.appendMultipleEdges(shiftedEnds.data(), counts.data(), points.data(),
-                             static_cast<int>(counts.size()));
-    std::vector<float> allValues = {0, 0};
-    allValues.insert(allValues.end(), values.begin(), values.end());
-    bulk.addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1, allValues.data());
-
-    GraphComparisonOptions exact;
-    exact.exactIncidenceOrder = true;
-    exact.compareAttributeIds = false;
-    EXPECT_TRUE(sameGraph(takeSnapshot(oneByOne), bulk, exact));
-    expectConsistent(bulk);
 }
