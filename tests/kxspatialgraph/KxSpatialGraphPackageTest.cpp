@@ -9,7 +9,6 @@
 #include "korva/core/KxObject.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
-#include "support/KorvaRunner.h"
 #include "support/TclEval.h"
 
 // `{label} help` of every class create can make lists the commands of its
@@ -37,15 +36,4 @@ TEST(KxSpatialGraphPackageTest, EveryObjectAnswersEveryCommandItsHelpLists) {
             EXPECT_EQ(tcl.result().find("has no command"), std::string::npos) << word;
         }
     }
-}
-
-// The example builds two neurons (x 0..10 and 20..30, y 0..6, z 0..1), merges
-// them, scales by 2 and moves by 5 in z, so the baked box is known by hand.
-TEST(KxSpatialGraphPackageTest, GraphBasicsExampleRunsInKorva) {
-    KorvaRun run = runKorva({KORVA_SOURCE_DIR "/examples/graph_basics.tcl"});
-    std::string output = run.out + run.err;
-    EXPECT_EQ(run.status, 0) << output;
-    EXPECT_NE(output.find("Bounding box after applyTransform: 0.0 60.0 0.0 12.0 5.0 7.0"), std::string::npos)
-        << output;
-    EXPECT_NE(output.find("\"Dendrite\" {"), std::string::npos) << output;
 }

@@ -6,18 +6,11 @@
 #include <string>
 #include <vector>
 
-#include <Inventor/SbViewportRegion.h>
-#include <Inventor/SoDB.h>
-#include <Inventor/events/SoMouseButtonEvent.h>
-#include <Inventor/nodes/SoCube.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
-#include <Inventor/nodes/SoSeparator.h>
 #include <gtest/gtest.h>
 
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxObjectPool.h"
 #include "korva/modules/KxSessionState.h"
-#include "korva/viewer/KxPickDispatch.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphComparison.h"
@@ -131,46 +124,6 @@ TEST_F(KxComputeDistanceToPointTest, SetRefPointChecksItsNumbersAndAnswersSnappe
     EXPECT_EQ(evalOk(tcl_, "D setRefPoint 67.2 0.3 0"), "37");
     EXPECT_EQ(evalOk(tcl_, "D setReferencePoint getValue 0"), "67.2");
     EXPECT_EQ(module_->getRefPoint(), 7);
-}
-
-TEST_F(KxComputeDistanceToPointTest, MiddleButtonPickThroughTheViewerSetsTheReferenceOnce) {
-    SoDB::init();
-    auto g = makeCombs();
-    SbMatrix shift;
-    shift.setTranslate(SbVec3f(-65, 0, 0));  // edge 3, point 5 (x = 65) appears at the origin
-    g->setTransform(shift);
-    attach(std::move(g));
-    SoSeparator* scene = new SoSeparator;
-    scene->ref();
-    auto* camera = new SoOrthographicCamera;
-    camera->position.setValue(0, 0, 5);
-    camera->height = 10;
-    scene->addChild(camera);
-    auto* cube = new SoCube;
-    cube->depth = 0.0f;
-    scene->addChild(cube);
-    SbViewportRegion region(100, 100);
-    SoMouseButtonEvent click;
-    click.setState(SoButtonEvent::DOWN);
-    click.setPosition(SbVec2s(50, 50));
-
-    {
-        KxMessageCapture capture;
-        evalOk(tcl_, "D pickReferencePoint setValue 0 1");
-        EXPECT_TRUE(
-            capture.contains("Use your middle mouse to select a point in the viewer, use interactive view."));
-    }
-    click.setButton(SoMouseButtonEvent::BUTTON1);
-    EXPECT_FALSE(thePickDispatch->dispatch(scene, region, click));
-    EXPECT_TRUE(module_->isPicking());
-    click.setButton(SoMouseButtonEvent::BUTTON3);
-    EXPECT_TRUE(thePickDispatch->dispatch(scene, region, click));
-    EXPECT_FALSE(module_->isPicking());
-    EXPECT_EQ(module_->getRefEdge(), 3);
-    EXPECT_EQ(module_->getRefPoint(), 5);
-    EXPECT_EQ(evalOk(tcl_, "D setReferencePoint getValue 0"), "65");
-    EXPECT_FALSE(thePickDispatch->dispatch(scene, region, click));
-    scene->unref();
 }
 
 TEST_F(KxComputeDistanceToPointTest, SavedStateRestoresReferenceAndResult) {

@@ -8,14 +8,12 @@
 
 #include "korva/core/KxObjectPool.h"
 #include "korva/data/KxSpreadSheet.h"
-#include "korva/modules/KxSessionState.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/KxSpatialGraphSelectionInterfaceImpl.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 #include "support/TclEval.h"
-#include "support/TempDir.h"
 #include "support/ModuleSessionTest.h"
 
 namespace {
@@ -97,7 +95,6 @@ protected:
 
     KxSpatialGraph* graph_ = nullptr;
     KxSpatialGraphStats* stats_ = new KxSpatialGraphStats;
-    TempDir dir_;
 };
 
 TEST(KxSpatialGraphStatsMetricsTest, LengthMeanRadiusAndTruncatedConeVolume) {
@@ -167,25 +164,6 @@ TEST_F(KxSpatialGraphStatsTest, WithoutLabelsOnlyTheSegmentTable) {
     ASSERT_EQ(sheet->getNumTables(), 1);
     EXPECT_EQ(sheet->getTable(0)->getNumColumns(), 4);
     EXPECT_EQ(sheet->toCSV().substr(0, 46), "Segment Statistics\nSegment ID,Length,Mean Radi");
-}
-
-TEST_F(KxSpatialGraphStatsTest, SavedStateRestoresTheSession) {
-    std::string file = dir_.path("cell.kxm");
-    evalOk(tcl_, ("save KorvaMesh cell.kxm " + file).c_str());
-    theObjectPool->clear();
-    evalOk(tcl_,
-           ("load " + file + "; create KxSpatialGraphStats Stats; Stats data connect cell.kxm").c_str());
-    std::string result = evalOk(tcl_, "Stats create");
-    std::string csv = dynamic_cast<KxSpreadSheet*>(theObjectPool->find(result.c_str()))->toCSV();
-    std::string state = KxSessionState::write(*theObjectPool);
-    evalOk(tcl_, ("saveState " + dir_.path("state.tcl")).c_str());
-
-    theObjectPool->clear();
-    evalOk(tcl_, ("source " + dir_.path("state.tcl")).c_str());
-    EXPECT_EQ(KxSessionState::write(*theObjectPool), state);
-    auto* restored = dynamic_cast<KxSpreadSheet*>(theObjectPool->find(result.c_str()));
-    ASSERT_NE(restored, nullptr);
-    EXPECT_EQ(restored->toCSV(), csv);
 }
 
 }  // namespace
