@@ -1,7 +1,4 @@
 """Graphs built from arrays in one call."""
-import os
-import subprocess
-
 import numpy as np
 import pytest
 
@@ -20,30 +17,6 @@ GROUPS = {"Region": {"name": "Region", "id": 0, "color": (0.0, 0.0, 0.0), "child
     {"name": "A", "id": 1, "color": (1.0, 0.0, 0.0), "children": []},
     {"name": "B", "id": 2, "color": (0.0, 1.0, 0.0), "children": []}]}}
 
-# The same graph through the graph's console commands, one element at a time.
-KORVA_SCRIPT = """
-set g [create KxSpatialGraph y]
-foreach {x y z} {0 0 0 10 0 0 20 5 0 20 -5 0} { $g addVertex $x $y $z }
-$g addEdge 0 1 5 1 0
-$g addEdge 1 2
-$g addEdge 1 3 14 -2 0 17 -4 0
-$g addAttribute thickness POINT float
-$g addAttribute size VERTEX int
-$g addLabelGroup Region POINT
-$g addLabel Region 0 A 1 0 0
-$g addLabel Region 0 B 0 1 0
-set i 0
-foreach {e n} {0 3 1 2 2 4} {
-    for {set p 0} {$p < $n} {incr p} {
-        $g setValue POINT thickness $e $p [lindex {%s} $i]
-        $g setValue POINT Region $e $p [lindex {%s} $i]
-        incr i
-    }
-}
-foreach v {0 1 2 3} { $g setValue VERTEX size $v [expr {10 * $v}] }
-save KorvaMesh $g {%s}
-"""
-
 
 def build_y(**changes):
     arguments = dict(vertices=VERTICES, edges=EDGES, points=POINTS, offsets=OFFSETS,
@@ -51,15 +24,6 @@ def build_y(**changes):
                      point_attributes={"thickness": THICKNESS, "Region": REGION}, label_groups=GROUPS)
     arguments.update(changes)
     return kxspatialgraph.from_arrays(**arguments)
-
-
-def test_graph_from_arrays_equals_the_one_the_console_builds(tmp_path):
-    path = tmp_path / "console.kxm"
-    script = KORVA_SCRIPT % (" ".join(map(str, THICKNESS)), " ".join(map(str, REGION)), path)
-    subprocess.run([os.environ["KORVA_EXECUTABLE"], "-c", script], check=True)
-    built, expected = build_y(), kxspatialgraph.load(str(path))
-    assert_same_arrays(arrays_of(built), arrays_of(expected))
-    assert built.label_groups == expected.label_groups
 
 
 def test_arrays_graph_file_graph_arrays(tmp_path):
@@ -70,6 +34,7 @@ def test_arrays_graph_file_graph_arrays(tmp_path):
                         ("point:thickness", THICKNESS), ("point:Region", REGION),
                         ("vertex:size", np.arange(4) * 10)]:
         np.testing.assert_array_equal(again[name], given, err_msg=name)
+    assert kxspatialgraph.load(str(tmp_path / "y.kxm")).label_groups == GROUPS
 
 
 def test_straight_edges_run_between_their_vertices():
