@@ -77,15 +77,3 @@ TEST(EdgePointsManagerTest, EditingPointsOfOneEdgeShiftsOnlyLaterEdges) {
     EXPECT_EQ(m.getEdgePoint(0, 1), Vec3f(6, 4, 0));
     EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(5, 0, 0));
 }
-
-TEST(EdgePointsManagerTest, BulkRemovalEdgeCases) {
-    EdgePointsManager m;
-    for (int e = 0; e < 4; ++e) {
-        m.addEdge(pointsFor(e, e + 1));
-    }
-    m.removeMultipleEdges(DArray<int>());
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 1, 3, 6, 10}));
-    m.removeMultipleEdges(DArray<int>{0, 1, 2, 3});
-    EXPECT_EQ(offsets(m), (std::vector<int>{0}));
-    EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
-}

@@ -6,7 +6,6 @@
 #include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageCapture.h"
 #include "korva/core/KxParamBundle.h"
-#include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphComparison.h"
@@ -88,28 +87,6 @@ TEST(KxSpatialGraphTest, RemovingEdgeZeroOfThreeKeepsListOrder) {
         EXPECT_EQ(edges(*r), (Edges{{2, 1}, {1, 3}}));
         expectConsistent(*r);
     }
-}
-
-TEST(KxSpatialGraphTest, RemoveMultipleVerticesCompactsEverything) {
-    KxSpatialGraph g;
-    for (int i = 0; i < 5; ++i) {
-        g.addVertex(Vec3f(static_cast<float>(i), 0, 0));
-    }
-    g.addEdge(0, 2);
-    g.addEdge(2, 4);
-    g.addEdge(4, 0);
-    addIdentityMarkers(g);
-    g.removeMultipleVertices(DArray<int>{1, 3});
-    EXPECT_EQ(g.getNumVertices(), 3);
-    EXPECT_EQ(edges(g), (Edges{{0, 1}, {1, 2}, {2, 0}}));
-    EXPECT_EQ(g.getVertexCoords(1), Vec3f(2, 0, 0));
-    EXPECT_EQ(g.getVertexCoords(2), Vec3f(4, 0, 0));
-    EXPECT_EQ(incidence(g, 2), (Ints{1, 2}));
-    auto* marker = g.findVertexAttribute("VertexMarker");
-    EXPECT_EQ((Ints{marker->getIntDataAtIdx(0), marker->getIntDataAtIdx(1), marker->getIntDataAtIdx(2)}),
-              (Ints{1000, 1002, 1004}));
-    EXPECT_EQ(g.findVertexAttribute("VertexVec")->floatDataAtIdx(2)[1], -4.0f);
-    expectConsistent(g);
 }
 
 TEST(KxSpatialGraphTest, RemoveVertexRenumbersEdgeEndsOnly) {
