@@ -258,9 +258,6 @@ TEST(SpatialGraphSelectionTest, SerializeWritesGoldenStrings) {
     String edges, vertices;
     s.serialize(edges, vertices);
     EXPECT_STREQ(edges, "HIJMGDGAGAGAGEGAGAGAACAAAAAPAAAE");
-    EXPECT_EQ(letters({0x78, 0x9c, 0x63, 0x60, 0x60, 0x60, 0x64, 0x60, 0x60, 0x60, 0x02, 0x00, 0x00, 0x0f,
-                       0x00, 0x04}),
-              edges.std());
     // Vertex bit 1 of 3: the bytes 00 00 00 02.
     EXPECT_STREQ(vertices, "HIJMGDGAGAGAACAAAAAGAAAD");
 
@@ -323,68 +320,50 @@ TEST(SpatialGraphSelectionTest, SerializeRoundTripsBitsExactly) {
     }
 }
 
-TEST(SpatialGraphSelectionTest, DamagedStringsSelectTheWholeSet) {
+// Damaged or oversized data selects the whole set; a set without edges reads
+// nothing; shorter data fills the first words and clears the rest.
+TEST(SpatialGraphSelectionTest, DeserializeRefusesWhatDoesNotFit) {
     SpatialGraphSelection source(40, 40);
     source.selectEdge(3);
-    String edges, vertices;
+    String edges, vertices, bigEdges, bigVertices;
     source.serialize(edges, vertices);
-    std::string truncated = edges.std().substr(0, edges.length() - 4);
+    SpatialGraphSelection(40, 100).serialize(bigEdges, bigVertices);
     std::string flipped = edges.std();
     flipped[6] = flipped[6] == 'A' ? 'B' : 'A';
+    const std::string vertex1 = "HIJMGDGAGAGAACAAAAAGAAAD";  // 3 vertices, vertex 1 selected
 
     struct Case {
         const char* name;
-        std::string edges;
+        int numVertices, numEdges;
+        bool allSelectedBefore;
+        std::string edges, vertices;
+        int selectedEdges, selectedVertices;
     };
     const Case cases[] = {
-        {"not compressed data", "HELLOWORLD"},
-        {"empty", ""},
-        {"truncated", truncated},
-        {"checksum broken", flipped},
+        {"not compressed data", 40, 40, false, "HELLOWORLD", vertices.std(), 40, 0},
+        {"empty", 40, 40, false, "", vertices.std(), 40, 0},
+        {"truncated", 40, 40, false, edges.std().substr(0, edges.length() - 4), vertices.std(), 40, 0},
+        {"checksum broken", 40, 40, false, flipped, vertices.std(), 40, 0},
+        {"more data than the set holds", 40, 10, false, bigEdges.std(), "QQQQ", 10, 40},
+        {"no edges: vertices not read", 4, 0, true, "garbage", vertex1, 0, 4},
+        {"no vertices", 0, 4, false, "garbage", "garbage", 4, 0},
+        {"short data clears the remaining words", 3, 64, true, vertex1, vertex1, 1, 1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        SpatialGraphSelection s(40, 40);
-        s.deserialize(c.edges.c_str(), vertices);
-        EXPECT_EQ(s.getNumSelectedEdges(), 40);
-        EXPECT_EQ(s.getNumSelectedVertices(), 0);
+        SpatialGraphSelection s(c.numVertices, c.numEdges);
+        if (c.allSelectedBefore) {
+            s.selectAllVerticesAndEdges();
+        }
+        s.deserialize(c.edges.c_str(), c.vertices.c_str());
+        EXPECT_EQ(s.getNumSelectedEdges(), c.selectedEdges);
+        EXPECT_EQ(s.getNumSelectedVertices(), c.selectedVertices);
     }
-
-    // More data than the set holds is an error of the same kind.
-    SpatialGraphSelection small(40, 10);
-    String bigEdges, bigVertices;
-    SpatialGraphSelection(40, 100).serialize(bigEdges, bigVertices);
-    small.deserialize(bigEdges, "QQQQ");
-    EXPECT_EQ(small.getNumSelectedEdges(), 10);
-    EXPECT_EQ(small.getNumSelectedVertices(), 40);
 
     SpatialGraphSelection nullStrings(5, 5);
     nullStrings.deserialize(nullptr, nullptr);
     EXPECT_EQ(nullStrings.getNumSelectedEdges(), 5);
     EXPECT_EQ(nullStrings.getNumSelectedVertices(), 5);
-}
-
-TEST(SpatialGraphSelectionTest, DeserializeWithoutEdgesReadsNothing) {
-    SpatialGraphSelection s(4, 0);
-    s.selectVertex(2);
-    s.deserialize("garbage", "HIJMGDGAGAGAACAAAAAGAAAD");
-    EXPECT_EQ(s.getNumSelectedVertices(), 1);
-    EXPECT_TRUE(s.isSelectedVertex(2));
-
-    SpatialGraphSelection noVertices(0, 4);
-    noVertices.deserialize("garbage", "garbage");
-    EXPECT_EQ(noVertices.getNumSelectedEdges(), 4);
-    EXPECT_EQ(noVertices.getNumVertices(), 0);
-}
-
-// A shorter bit set in the string fills the first words; the rest is cleared.
-TEST(SpatialGraphSelectionTest, DeserializeShortDataClearsTheRemainingWords) {
-    SpatialGraphSelection s(3, 64);
-    s.selectAllEdges();
-    s.deserialize("HIJMGDGAGAGAACAAAAAGAAAD", "HIJMGDGAGAGAACAAAAAGAAAD");
-    EXPECT_EQ(s.getNumSelectedEdges(), 1);
-    EXPECT_TRUE(s.isSelectedEdge(1));
-    EXPECT_TRUE(s.isSelectedVertex(1));
 }
 
 }  // namespace
