@@ -21,7 +21,6 @@
 #include "kxspatialgraph/operations/AddTracedEdgeOperationSet.h"
 #include "kxspatialgraph/operations/AddVertexAndConnectOperationSet.h"
 #include "kxspatialgraph/operations/AddVertexOperation.h"
-#include "kxspatialgraph/operations/ConnectOperation.h"
 #include "kxspatialgraph/operations/ConnectPointToPointOperationSet.h"
 #include "kxspatialgraph/operations/ConnectPointToVertexOperationSet.h"
 #include "kxspatialgraph/operations/ConnectSelectionOperationSet.h"
@@ -29,10 +28,8 @@
 #include "kxspatialgraph/operations/FindAndConvertVerticesToPointsOperationSet.h"
 #include "kxspatialgraph/operations/FindAndDeleteIsolatedVertices.h"
 #include "kxspatialgraph/operations/InsertEdgePointsOperation.h"
-#include "kxspatialgraph/operations/MoveOperation.h"
 #include "kxspatialgraph/operations/MoveVertexOperationSet.h"
 #include "kxspatialgraph/operations/PointToVertexOperation.h"
-#include "kxspatialgraph/operations/ReplaceOperation.h"
 #include "kxspatialgraph/operations/SmoothOperation.h"
 #include "kxspatialgraph/operations/SplitEdgeWithNewVertexAndConnectOperationSet.h"
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
@@ -145,43 +142,6 @@ const std::vector<OperationMaker>& operationMakers() {
              return std::make_unique<AddVertexOperation>(&g, randomPoint(rng), SpatialGraphSelection(&g),
                                                          randomSelection(g, rng, 0.5));
          }},
-        {"ConnectOperation",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             SpatialGraphSelection ends(&g);
-             int a = pick(rng, g.getNumVertices());
-             int b = pick(rng, g.getNumVertices());
-             if (a == b) {
-                 return nullptr;
-             }
-             ends.selectVertex(a);
-             ends.selectVertex(b);
-             auto op = std::make_unique<ConnectOperation>(&g, ends, randomSelection(g, rng, 0.5));
-             int n = pick(rng, 6);
-             op->setEdgePoints(randomPolyline(rng, g.getVertexCoords(std::min(a, b)),
-                                              g.getVertexCoords(std::max(a, b)), std::max(n, 2)));
-             return op;
-         }},
-        {"MoveOperation",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             // Only isolated vertices: moving others needs their polylines replaced too.
-             int v = pick(rng, g.getNumVertices());
-             if (!g.getIncidentEdges(v).isEmpty()) {
-                 return nullptr;
-             }
-             return std::make_unique<MoveOperation>(&g, v, randomPoint(rng), SpatialGraphSelection(&g),
-                                                    SpatialGraphSelection(&g));
-         }},
-        {"ReplaceOperation",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             if (g.getNumEdges() == 0) {
-                 return nullptr;
-             }
-             int e = pick(rng, g.getNumEdges());
-             DArray<Vec3f> points = randomPolyline(rng, g.getVertexCoords(g.getEdgeSource(e)),
-                                                   g.getVertexCoords(g.getEdgeTarget(e)), 2 + pick(rng, 5));
-             return std::make_unique<ReplaceOperation>(&g, e, points, SpatialGraphSelection(&g),
-                                                       SpatialGraphSelection(&g));
-         }},
         {"InsertEdgePointsOperation",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              SpatialGraphPoint at = randomInteriorPoint(g, rng, 2, 0);
@@ -238,8 +198,9 @@ const std::vector<OperationMaker>& operationMakers() {
              highlighted.selectPoint(at);
              return std::make_unique<PointToVertexOperation>(&g, highlighted, randomSelection(g, rng, 0.5));
          }},
-        // Composite operations (those that others run as sub-operations are
-        // covered through them). Traced polylines run from the new edge's
+        // Composite operations. Connecting, moving and replacing polylines
+        // are covered through the sets that run them (traced edges, moving
+        // a vertex with its edges). Traced polylines run from the new edge's
         // source (the lower vertex index) to its target, so the graph stays
         // consistent.
         {"ConnectSelectionOperationSet",
