@@ -59,19 +59,6 @@ def test_elements_that_do_not_exist_are_index_errors(options):
         y.edit("delete", **options)
 
 
-@pytest.mark.parametrize("operation, args, options, message", [
-    ("pointToVertex", (), dict(points=[[0, 0]]), "Error: Point 0 of edge 0 is an end point"),
-    ("nosuch", (), {}, 'Error: Unknown edit operation "nosuch"'),
-    ("connect", (), dict(vertices=[0]), "Error: This edit needs 2 selected vertices"),
-])
-def test_refused_edits_raise_error_and_change_nothing(operation, args, options, message):
-    y = build_y()
-    before = arrays_of(y)
-    with pytest.raises(kxspatialgraph.Error, match="^" + message):
-        y.edit(operation, *args, **options)
-    assert_same_arrays(arrays_of(y), before)
-
-
 def test_edits_and_undo_wait_for_views_to_go():
     y = build_y()
     y.edit("addVertex", [1, 2, 3])
