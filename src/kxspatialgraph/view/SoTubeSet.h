@@ -39,6 +39,9 @@ class SoState;
 // the last point kept before them are left out of its surface (frames still
 // come from every point), so lines far from the camera cost a few rings.
 // Which points are kept is recomputed when the camera or viewport changes.
+// Only the centre line is measured: the tube between two kept rings is
+// straight, so on curves it moves by a small fraction of a pixel, and on a
+// tube thicker than its point spacing on screen the left-out rings can show.
 class SoTubeSet : public SoShape {
     typedef SoShape inherited;
     SO_NODE_HEADER(SoTubeSet);

@@ -275,15 +275,14 @@ std::vector<unsigned char> pixels(const KxOffscreenRenderer& renderer) {
     return rgb;
 }
 
-// Pixels count as equal when no channel differs by more than one step of
-// 255: where full detail has a ring between two kept ones, the shading is
-// interpolated over the longer span and can round the other way.
-double fractionOfEqualPixels(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b) {
+// Fraction of pixels whose channels all differ by at most `steps` (0: identical).
+double fractionOfPixelsWithin(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b,
+                              int steps) {
     size_t equal = 0;
     for (size_t i = 0; i < a.size(); i += 3) {
         bool same = true;
         for (size_t c = i; c < i + 3; ++c) {
-            same = same && std::abs(a[c] - b[c]) <= 1;
+            same = same && std::abs(a[c] - b[c]) <= steps;
         }
         equal += same ? 1 : 0;
     }
@@ -318,7 +317,15 @@ TEST(SoTubeSetRenderTest, LevelOfDetailDrawsWhatFullDetailDrawsAndFollowsTheCame
     ASSERT_TRUE(renderer.render(root));
     const size_t keptFar = SoTubeSetTestAccess::numKeptPoints(*tubes);
     EXPECT_LT(keptFar, numPoints / 2);
-    EXPECT_GE(fractionOfEqualPixels(full, pixels(renderer)), 0.99);
+    // Merging costs bit-exactness: a run merged into one straight piece lies
+    // off the finely sampled arc by about step² / (8 × arc radius), a few
+    // thousandths of a pixel here, and the shading across a tube changes by
+    // tens of colour steps per pixel, so about one tube pixel in five rounds
+    // to the neighbouring step (93.9 % of all pixels identical, 99.65 %
+    // within one step).
+    const std::vector<unsigned char> merged = pixels(renderer);
+    EXPECT_GE(fractionOfPixelsWithin(full, merged, 0), 0.93);
+    EXPECT_GE(fractionOfPixelsWithin(full, merged, 1), 0.99);
 
     // Ten times closer, a step is most of a pixel: most points come back.
     camera->height = 1.0f;
