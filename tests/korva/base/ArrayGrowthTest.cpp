@@ -15,24 +15,6 @@ TEST(DArrayTest, InsertRemoveKeepOrder) {
     EXPECT_EQ(a.find(7), -1);
 }
 
-TEST(SmallArrayTest, MovesToHeapPastInlineSizeAndBackWhenSmall) {
-    SmallArray<int, 2> s;
-    s.append(1);
-    s.append(2);
-    EXPECT_TRUE(s.isInline());
-    s.append(3);
-    EXPECT_FALSE(s.isInline());
-    s.append(4);
-    s.append(5);
-    s.remove(0, 2);
-    EXPECT_FALSE(s.isInline());
-    s.remove(1);
-    EXPECT_TRUE(s.isInline());
-    ASSERT_EQ(s.size(), 2);
-    EXPECT_EQ(s[0], 3);
-    EXPECT_EQ(s[1], 5);
-}
-
 TEST(SmallArrayTest, CopiesAndMovesInBothStates) {
     SmallArray<int, 2> small;
     small.append(7);

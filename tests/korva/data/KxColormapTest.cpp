@@ -38,12 +38,7 @@ TEST(KxColormapTest, EntriesCanBeSetAndResized) {
     EXPECT_EQ(colormap.getEntry(2)[3], 0.5f);
 }
 
-TEST(KxColormapTest, DefaultIsA256EntryGreyRampAndKorvaMeshKeepsEntriesAndRange) {
-    KxColormap grey;
-    ASSERT_EQ(grey.getNumEntries(), 256);
-    EXPECT_EQ(grey.getColor(1.0f), SbColor(1, 1, 1));
-    EXPECT_FLOAT_EQ(grey.getEntry(51)[0], 0.2f);
-
+TEST(KxColormapTest, KorvaMeshKeepsEntriesAndRange) {
     KxColormap::registerClass();
     const float rgba[] = {0, 0, 1, 1, 1, 0.5f, 0, 0.25f};
     KxColormap colormap(2, rgba, -3.0f, 7.5f);
