@@ -30,18 +30,12 @@ TEST(KorvaMeshTest, RoundTripsEveryTypeInEveryEncoding) {
         std::unique_ptr<KorvaMesh> fromFile = KorvaMesh::read(path.c_str());
         ASSERT_TRUE(fromFile) << capture.text();
         EXPECT_EQ(describeMeshDifference(sample.mesh, *fromFile), "");
-
-        std::string bytes = readFileBytes(path);
-        std::unique_ptr<KorvaMesh> fromMemory =
-            KorvaMesh::readFromMemory(bytes.data(), bytes.size(), "memory");
-        ASSERT_TRUE(fromMemory) << capture.text();
-        EXPECT_EQ(describeMeshDifference(sample.mesh, *fromMemory), "");
         EXPECT_TRUE(capture.lines().empty()) << capture.text();
 
         // A mesh that was read writes back to the same bytes.
         std::string again = dir.path(std::string("again_") + e.name + ".kxm");
         ASSERT_EQ(fromFile->write(again.c_str(), e.ascii, e.compress), 1);
-        EXPECT_EQ(readFileBytes(again), bytes);
+        EXPECT_EQ(readFileBytes(again), readFileBytes(path));
     }
 }
 
