@@ -115,6 +115,9 @@ TEST(SpatialGraphKorvaMeshLegacyTest, FoldsUndefinedLabelsAndNumbersChildren) {
     legacy.addGroup("VertexLabels", "UndefinedVertexLabel", {"A", "B"});
     // Without its undefined child a group is not registered; its ids stay.
     legacy.addGroup("EdgeLabels", nullptr, {"C"});
+    // Graph labels without "Landmark" are numbered in order, deeper ones keep their ids.
+    KxParamBundle* graphLabels = legacy.addGroup("GraphLabels", nullptr, {"Neuron", "Glia", "Other"});
+    graphLabels->getBundle("Glia")->addBundle("Astrocyte")->setInt("Id", 42);
     KxMessageCapture capture;
     std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
     ASSERT_TRUE(g);
@@ -132,6 +135,15 @@ TEST(SpatialGraphKorvaMeshLegacyTest, FoldsUndefinedLabelsAndNumbersChildren) {
     EXPECT_EQ(labelId(g->parameters().getBundle("EdgeLabels"), {"C"}), 99);
     // Deliberate: vertex label values are left as they are.
     EXPECT_EQ(intValues(g->findVertexAttribute("VertexLabels")), (std::vector<int>{0, 1, 2}));
+
+    const KxParamBundle* root = g->parameters().getBundle("GraphLabels");
+    EXPECT_EQ(labelId(root, {"Neuron"}), 1);
+    EXPECT_EQ(labelId(root, {"Glia"}), 2);
+    EXPECT_EQ(labelId(root, {"Other"}), 3);
+    EXPECT_EQ(labelId(root, {"Glia", "Astrocyte"}), 42);
+    // Without the undefined child the values stay and the group is still registered.
+    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{1, 2, 8}));
+    EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
 }
 
 TEST(SpatialGraphKorvaMeshLegacyTest, GraphLabelsWithLandmarkGetTheFixedIds) {
@@ -170,25 +182,6 @@ TEST(SpatialGraphKorvaMeshLegacyTest, GraphLabelsWithLandmarkGetTheFixedIds) {
         EXPECT_EQ(reported, std::string(missing) != "A1") << missing;
     }
     EXPECT_TRUE(capture.contains("Warning: label \"C1\" not found. Skipping child labels."));
-}
-
-TEST(SpatialGraphKorvaMeshLegacyTest, GraphLabelsWithoutLandmarkAreNumberedInOrder) {
-    LegacyMesh legacy;
-    legacy.addOptionalData();
-    KxParamBundle* group = legacy.addGroup("GraphLabels", nullptr, {"Neuron", "Glia", "Other"});
-    KxParamBundle* grandchild = group->getBundle("Glia")->addBundle("Astrocyte");
-    grandchild->setInt("Id", 42);
-    KxMessageCapture capture;
-    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
-    ASSERT_TRUE(g);
-    const KxParamBundle* root = g->parameters().getBundle("GraphLabels");
-    EXPECT_EQ(labelId(root, {"Neuron"}), 1);
-    EXPECT_EQ(labelId(root, {"Glia"}), 2);
-    EXPECT_EQ(labelId(root, {"Other"}), 3);
-    EXPECT_EQ(labelId(root, {"Glia", "Astrocyte"}), 42);
-    // Without the undefined child the values stay and the group is still registered.
-    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{1, 2, 8}));
-    EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
 }
 
 TEST(SpatialGraphKorvaMeshLegacyTest, RefusesIncompleteOrLyingLayouts) {

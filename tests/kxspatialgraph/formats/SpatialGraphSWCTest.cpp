@@ -313,7 +313,6 @@ TEST_F(SpatialGraphSWCFilesTest, RealFilesLoadAndSurviveARoundTrip) {
         {"BlueCelluLab/C210401C.swc", 332, 331, 7487, true},
         {"BlueCelluLab/rr110330_C3_idA.swc", 247, 246, 16923, true},
         {"MorphIO/disconnected_neurite.swc", 8, 6, 14, true},
-        {"MorphIO/multiple_soma.swc", 8, 6, 14, true},
         {"MorphIO/neurite_wrong_root_point.swc", 3, 2, 8, true},
         {"MorphIO/reversed_NRN_neurite_order.swc", 4, 3, 9, true},
         {"MorphIO/simple-trailing-space.swc", 2, 1, 4, true},
