@@ -85,10 +85,6 @@ TEST(SpatialGraphDefaultSceneTest, PackageRegistersTheSceneOfItsGraphs) {
     SoNode* scene = theSceneBuilders->build(graph.get());
     ASSERT_NE(scene, nullptr);
     scene->ref();
-    KxOffscreenRenderer renderer(64, 48);
-    ASSERT_TRUE(renderer.render(scene));  // framed by the default camera
-    unsigned char centre[3];
-    renderer.getPixel(32, 24, centre);
     scene->unref();
     KxSpatialData other;
     EXPECT_FALSE(theSceneBuilders->hasBuilder(&other));
