@@ -14,6 +14,7 @@
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
+#include "support/GraphMeshes.h"
 #include "support/PackageFormatsTest.h"
 #include "support/TempDir.h"
 
@@ -59,41 +60,22 @@ TEST_F(KorvaMeshFormatEntriesTest, RegistryReadsAndWritesGraphFiles) {
 }
 
 TEST_F(KorvaMeshFormatEntriesTest, DispatchesByContent) {
-    // A skeleton: three points in a line.
-    KorvaMesh skeleton;
-    float coords[9] = {0, 0, 0, 1, 0, 0, 2, 0, 0};
-    int counts[3] = {1, 2, 1};
-    int lists[4] = {1, 0, 2, 1};
-    const KorvaMesh::Location* v = skeleton.createLocation("Vertices", 3);
-    skeleton.createData("Coordinates", v, PrimType::FLOAT32, 3, coords);
-    skeleton.createData("NeighbourCount", v, PrimType::INT32, 1, counts);
-    skeleton.createData("NeighbourList", skeleton.createLocation("Edges", 4), PrimType::INT32, 1, lists);
+    Skeleton skeleton;  // three points in a line
+    skeleton.neighbours = {{1}, {0, 2}, {1}};
     std::string path = dir_.path("skeleton.kxm");
-    ASSERT_EQ(skeleton.write(path.c_str(), 1), 1);
+    ASSERT_EQ(skeleton.build().write(path.c_str(), 1), 1);
     KxSpatialGraph* g = load(path);
     ASSERT_TRUE(g);
     EXPECT_EQ(g->getNumEdges(), 1);
     EXPECT_EQ(g->getTotalNumEdgePoints(), 3);
 
-    // A legacy graph: one vertex with a self-loop.
-    KorvaMesh legacy;
-    float vertex[3] = {1, 1, 1};
-    int ends[2] = {0, 0};
-    int numPoints[1] = {2};
-    float points[6] = {1, 1, 1, 1, 1, 1};
-    const KorvaMesh::Location* edges = legacy.createLocation("Edges", 1);
-    legacy.createData("VertexCoordinates", legacy.createLocation("Vertices", 1), PrimType::FLOAT32, 3,
-                      vertex);
-    legacy.createData("EdgeConnectivity", edges, PrimType::INT32, 2, ends);
-    legacy.createData("NumEdgePoints", edges, PrimType::INT32, 1, numPoints);
-    legacy.createData("EdgePointCoordinates", legacy.createLocation("EdgePoints", 2), PrimType::FLOAT32, 3,
-                      points);
+    LegacyMesh legacy;
     path = dir_.path("legacy.kxm");
-    ASSERT_EQ(legacy.write(path.c_str(), 0), 1);
+    ASSERT_EQ(legacy.mesh.write(path.c_str(), 0), 1);
     KxMessageCapture capture;
     g = load(path);
     ASSERT_TRUE(g) << capture.text();
-    EXPECT_EQ(g->getNumEdges(), 1);
+    EXPECT_EQ(g->getNumEdges(), 2);
     EXPECT_TRUE(capture.contains("Reading legacy spatialGraph"));
 
     // Other content is refused by name.

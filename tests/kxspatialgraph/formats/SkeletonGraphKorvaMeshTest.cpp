@@ -13,49 +13,9 @@
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphComparison.h"
+#include "support/GraphMeshes.h"
 
 namespace {
-
-// A skeleton given as neighbour lists; point i lies at (i, 0, 0) and has
-// radius 0.5 + i; types[i] lists its material entries.
-struct Skeleton {
-    std::vector<std::vector<int>> neighbours;
-    std::vector<std::vector<int>> types;
-    bool withRadii = true;
-
-    std::vector<float> coords, radii;
-    std::vector<int> counts, lists, typeCounts, typeList;
-    KorvaMesh mesh;
-
-    KorvaMesh& build() {
-        const int n = static_cast<int>(neighbours.size());
-        for (int i = 0; i < n; ++i) {
-            coords.insert(coords.end(), {static_cast<float>(i), 0, 0});
-            radii.push_back(0.5f + i);
-            counts.push_back(static_cast<int>(neighbours[i].size()));
-            lists.insert(lists.end(), neighbours[i].begin(), neighbours[i].end());
-            if (!types.empty()) {
-                typeCounts.push_back(static_cast<int>(types[i].size()));
-                typeList.insert(typeList.end(), types[i].begin(), types[i].end());
-            }
-        }
-        const KorvaMesh::Location* v = mesh.createLocation("Vertices", n);
-        const KorvaMesh::Location* e = mesh.createLocation("Edges", static_cast<int64_t>(lists.size()));
-        mesh.createData("Coordinates", v, PrimType::FLOAT32, 3, coords.data());
-        mesh.createData("NeighbourCount", v, PrimType::INT32, 1, counts.data());
-        mesh.createData("NeighbourList", e, PrimType::INT32, 1, lists.data());
-        if (withRadii) {
-            mesh.createData("Radii", v, PrimType::FLOAT32, 1, radii.data());
-        }
-        if (!types.empty()) {
-            mesh.createData("vertexTypeCounter", v, PrimType::INT32, 1, typeCounts.data());
-            const KorvaMesh::Location* t =
-                mesh.createLocation("vertexTypeList", static_cast<int64_t>(typeList.size()));
-            mesh.createData("vertexTypeList", t, PrimType::INT32, 1, typeList.data());
-        }
-        return mesh;
-    }
-};
 
 // Each edge as the x coordinates of its points (which are the point indices).
 std::vector<std::vector<int>> edgeRuns(const KxSpatialGraph& g) {

@@ -10,57 +10,9 @@
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphComparison.h"
+#include "support/GraphMeshes.h"
 
 namespace {
-
-// The legacy layout of an old file: three vertices, two edges (3 and 2
-// points), labels on vertices, edges and the graph, and the optional data.
-//   0 --[3]-- 1 --[2]-- 2
-struct LegacyMesh {
-    KorvaMesh mesh;
-    float vertices[9] = {0, 0, 0, 1, 0, 0, 2, 0, 0};
-    int ends[4] = {0, 1, 1, 2};
-    int counts[2] = {3, 2};
-    float points[15] = {0, 0, 0, 0.5f, 0.1f, 0, 1, 0, 0, 1, 0, 0, 2, 0, 0};
-    int vertexLabels[3] = {0, 1, 2};
-    int edgeLabels[2] = {2, 1};
-    // Vertex values first, then edge values; 1 is the old undefined label.
-    int graphLabels[5] = {1, 2, 8, 1, 7};
-    int graphInts[5] = {10, 11, 12, 20, 21};
-    float pointFloats[5] = {0.1f, 0.2f, 0.3f, 0.4f, 0.5f};
-
-    LegacyMesh() {
-        const KorvaMesh::Location* v = mesh.createLocation("Vertices", 3);
-        const KorvaMesh::Location* e = mesh.createLocation("Edges", 2);
-        const KorvaMesh::Location* p = mesh.createLocation("EdgePoints", 5);
-        mesh.createData("VertexCoordinates", v, PrimType::FLOAT32, 3, vertices);
-        mesh.createData("EdgeConnectivity", e, PrimType::INT32, 2, ends);
-        mesh.createData("NumEdgePoints", e, PrimType::INT32, 1, counts);
-        mesh.createData("EdgePointCoordinates", p, PrimType::FLOAT32, 3, points);
-    }
-    void addOptionalData() {
-        mesh.createData("VertexLabel", mesh.findLocation("Vertices"), PrimType::INT32, 1, vertexLabels);
-        mesh.createData("EdgeLabel", mesh.findLocation("Edges"), PrimType::INT32, 1, edgeLabels);
-        const KorvaMesh::Location* g = mesh.createLocation("Graph", 5);
-        mesh.createData("GraphLabel", g, PrimType::INT32, 1, graphLabels);
-        mesh.createData("GraphIntData", g, PrimType::INT32, 1, graphInts);
-        mesh.createData("EdgePointFloatData", mesh.findLocation("EdgePoints"), PrimType::FLOAT32, 1,
-                        pointFloats);
-    }
-    // A label bundle with its undefined child first, then the given children.
-    KxParamBundle* addGroup(const char* name, const char* undefined, std::vector<const char*> children) {
-        KxParamBundle* group = mesh.getParameters().addBundle(name);
-        if (undefined) {
-            group->addBundle(undefined)->setColor(Color(0.25f, 0.5f, 0.75f));
-        }
-        for (const char* child : children) {
-            KxParamBundle* b = group->addBundle(child);
-            b->setColor(Color(1, 0, 0));
-            b->setInt("Id", 99);
-        }
-        return group;
-    }
-};
 
 int labelId(const KxParamBundle* root, std::vector<const char*> path) {
     const KxParamBundle* b = root;

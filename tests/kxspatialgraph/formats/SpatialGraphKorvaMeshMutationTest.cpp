@@ -8,6 +8,7 @@
 #include "kxspatialgraph/formats/SpatialGraphKorvaMesh.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "support/GraphFixtures.h"
+#include "support/GraphMeshes.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -22,18 +23,11 @@ TEST(SpatialGraphKorvaMeshMutationTest, DamagedGraphFilesNeverCrashTheReaders) {
     std::string graphFile = dir.path("g.kxm");
     ASSERT_EQ(g->saveKorvaMesh(graphFile.c_str(), KxSpatialGraph::KorvaMeshEncoding::Ascii), 1);
 
-    KorvaMesh skeleton;
-    float coords[15] = {0, 0, 0, 1, 0, 0, 2, 0, 0, 3, 0, 0, 1, 1, 0};
-    int counts[5] = {1, 3, 2, 1, 1};
-    int lists[8] = {1, 0, 2, 4, 1, 3, 2, 1};
-    float radii[5] = {1, 2, 3, 4, 5};
-    const KorvaMesh::Location* v = skeleton.createLocation("Vertices", 5);
-    skeleton.createData("Coordinates", v, PrimType::FLOAT32, 3, coords);
-    skeleton.createData("NeighbourCount", v, PrimType::INT32, 1, counts);
-    skeleton.createData("Radii", v, PrimType::FLOAT32, 1, radii);
-    skeleton.createData("NeighbourList", skeleton.createLocation("Edges", 8), PrimType::INT32, 1, lists);
+    Skeleton skeleton;  // a branch point with three arms
+    skeleton.neighbours = {{1}, {0, 2, 4}, {1, 3}, {2}, {1}};
+    skeleton.build();
     std::string skeletonFile = dir.path("s.kxm");
-    ASSERT_EQ(skeleton.write(skeletonFile.c_str(), 1), 1);
+    ASSERT_EQ(skeleton.mesh.write(skeletonFile.c_str(), 1), 1);
 
     KorvaMeshMutator mutator(77);
     int built = 0;
