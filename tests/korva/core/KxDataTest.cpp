@@ -79,9 +79,5 @@ TEST(KxDataTest, TransformCommandsOfSpatialData) {
                  "1.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0.0 0.0 1.0 0.0 5.0 6.0 7.0 1.0");
     const char* bad[] = {"d", "setTransform", "1"};
     EXPECT_EQ(data.parse(interp, 3, const_cast<char**>(bad)), TCL_ERROR);
-    EXPECT_TRUE(data.isOfType("KxSpatialData"));
-    EXPECT_TRUE(data.isOfType("KxData"));
-    EXPECT_TRUE(data.isOfType("KxObject"));
-    EXPECT_FALSE(data.isOfType("KxSpatialGraph"));
     Tcl_DeleteInterp(interp);
 }

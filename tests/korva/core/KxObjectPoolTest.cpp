@@ -49,14 +49,6 @@ TEST(KxObjectPoolTest, ClashingLabelsGetNumbersBeforeTheExtension) {
                                                       ".hidden", ".hidden2", "Data", "Data2", "tree2.swc"}));
 }
 
-TEST(KxObjectPoolTest, ReservedNamesCountAsTaken) {
-    KxObjectPool pool;
-    pool.setReservedCheck([](const char* label) { return std::string(label) == "load"; });
-    EXPECT_STREQ(pool.add(new KxData, "load"), "load2");
-    EXPECT_EQ(pool.find("load"), nullptr);
-    EXPECT_NE(pool.find("load2"), nullptr);
-}
-
 TEST(KxObjectPoolTest, FindRemoveTakeAndRename) {
     int deletions = 0;
     KxObjectPool pool;

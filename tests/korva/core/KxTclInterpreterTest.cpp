@@ -86,20 +86,6 @@ TEST_F(KxTclInterpreterTest, LabelsNeverHideTclCommands) {
     EXPECT_EQ(ok("load2 echo"), "load2");
 }
 
-TEST_F(KxTclInterpreterTest, ObjectsAddedBeforeTheInterpreterGetCommandsToo) {
-    KxObjectPool pool;
-    pool.add(new EchoData, "early");
-    {
-        KxTclInterpreter tcl(pool);
-        ASSERT_EQ(tcl.eval("early echo hi"), TCL_OK) << tcl.result();
-        EXPECT_EQ(tcl.result(), "early hi");
-    }
-    // The pool outlives the interpreter and keeps its objects.
-    EXPECT_EQ(pool.size(), 1);
-    pool.add(new EchoData, "late");
-    EXPECT_EQ(pool.size(), 2);
-}
-
 TEST_F(KxTclInterpreterTest, CreateAllAndRemove) {
     EXPECT_EQ(ok("create KxData notes"), "notes");
     EXPECT_EQ(ok("create KxSpatialData"), "KxSpatialData");
