@@ -212,7 +212,6 @@ TEST_F(KorvaTest, InfoAndConvertGoThroughThePackagesFormats) {
 
 TEST_F(KorvaTest, LoadAndSaveFromAScript) {
     write("memo.note", "KXNOTE\nhello");
-    write("old.note", "KXNOTE\nold");
     write("session.tcl",
           "set n [load memo.note]\n"
           "puts \"$n [$n getTypeName]\"\n"
@@ -224,7 +223,6 @@ TEST_F(KorvaTest, LoadAndSaveFromAScript) {
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "memo.note KxTestNote\n1:Error: No data object \"nobody\".\n|\n");
     EXPECT_EQ(readFileBytes(dir_.path("new.note")), "KXNOTE\nhello");
-    EXPECT_EQ(readFileBytes(dir_.path("old.note")), "KXNOTE\nold");
     KorvaRun help = korva({"-c", "help"}, "", true);
     EXPECT_NE(help.out.find("  Test note (.note read write)\n"), std::string::npos) << help.out;
     EXPECT_NE(help.out.find("  KxTestNote\n"), std::string::npos) << help.out;
