@@ -250,14 +250,4 @@ TEST(SpatialGraphKorvaMeshTest, BrokenLabelTreeLoadsWithOneWarning) {
         "SpatialGraph.");
 }
 
-TEST(SpatialGraphKorvaMeshTest, ReadKorvaMeshRegistersUnderTheFileName) {
-    CurrentMesh m;
-    ASSERT_EQ(readKorvaMesh(m.mesh, "/some/dir/tree.kxm"), 1);
-    KxObject* added = theObjectPool->get(theObjectPool->size() - 1);
-    EXPECT_EQ(std::string(added->getLabel()).rfind("tree", 0), 0u) << added->getLabel();
-    ASSERT_TRUE(dynamic_cast<KxSpatialGraph*>(added));
-    EXPECT_EQ(static_cast<KxSpatialGraph*>(added)->getTotalNumEdgePoints(), 3);
-    theObjectPool->remove(added);
-}
-
 }  // namespace
