@@ -111,6 +111,7 @@ TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
          false,
          "Error: Expected floating-point number but got \"zz\".\n"},
         {{"-c", "create KxData d; d nosuch"}, 1, false, "Error: Object d has no command \"nosuch\""},
+        {{"-c", "save KorvaMesh nobody x.kxm"}, 1, false, "Error: No data object \"nobody\".\n"},
         {{"render", "cross.kxm", "x.bmp"},
          2,
          false,
@@ -210,19 +211,7 @@ TEST_F(KorvaTest, InfoAndConvertGoThroughThePackagesFormats) {
     EXPECT_EQ(unknown.err, "Error: Cannot read file copy.png: No such file or directory.\n");
 }
 
-TEST_F(KorvaTest, LoadAndSaveFromAScript) {
-    write("memo.note", "KXNOTE\nhello");
-    write("session.tcl",
-          "set n [load memo.note]\n"
-          "puts \"$n [$n getTypeName]\"\n"
-          "save {Test note} $n new.note\n"
-          "puts [catch {save {Test note} nobody x.note} msg]:$msg\n"
-          "remove $n\n"
-          "puts [all]|\n");
-    KorvaRun run = korva({"session.tcl"}, "", true);
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "memo.note KxTestNote\n1:Error: No data object \"nobody\".\n|\n");
-    EXPECT_EQ(readFileBytes(dir_.path("new.note")), "KXNOTE\nhello");
+TEST_F(KorvaTest, HelpListsThePackagesFormatsAndOnlyClassesThatCreateCanMake) {
     KorvaRun help = korva({"-c", "help"}, "", true);
     EXPECT_NE(help.out.find("  Test note (.note read write)\n"), std::string::npos) << help.out;
     EXPECT_NE(help.out.find("  KxTestNote\n"), std::string::npos) << help.out;
