@@ -10,9 +10,9 @@
 #include "support/TempDir.h"
 
 // A mesh that exercises the format: every value type, several component
-// counts, an empty location, awkward names, special float values and nested
-// parameters. The values live in the object, which must outlive the mesh's
-// writes.
+// counts, an empty location, awkward names, special float values (NaN of
+// either sign included) and nested parameters. The values live in the
+// object, which must outlive the mesh's writes.
 class KorvaMeshSample {
 public:
     KorvaMeshSample() {
@@ -37,6 +37,7 @@ public:
         coords[5] = -0.0f;
         coords[6] = std::numeric_limits<float>::denorm_min();
         coords[7] = std::numeric_limits<float>::max();
+        coords[8] = std::numeric_limits<float>::quiet_NaN();
         mesh.createData("Coordinates", points, PrimType::FLOAT32, 3, coords);
         mesh.createData("Doubles", points, PrimType::FLOAT64, 1, doubles);
         mesh.createData("Int8", points, PrimType::INT8, 1, int8s);
@@ -59,7 +60,7 @@ public:
 
     KorvaMesh mesh;
     float coords[15];
-    double doubles[5] = {0.1, -1e300, 5e-324, 1.0 / 3.0, 123456789.123456789};
+    double doubles[5] = {0.1, -1e300, 5e-324, -std::numeric_limits<double>::quiet_NaN(), 123456789.123456789};
     int8_t int8s[5] = {-128, 127, 0, -1, 1};
     uint8_t uint8s[5] = {0, 255, 1, 2, 3};
     int16_t int16s[10] = {-32768, 32767, 0, 1, -1, 2, -2, 3, -3, 4};
