@@ -142,7 +142,8 @@ TEST(SpatialGraphKorvaMeshTest, FailedSaveKeepsTheGraphUnsaved) {
     EXPECT_STREQ(g->getLoadCmd(), "");
 }
 
-// A hand-made mesh in the current layout: 2 vertices, 1 edge with 3 points.
+// A hand-made mesh in the current layout: 2 vertices, 1 edge with 3 points;
+// the array named missing is left out.
 struct CurrentMesh {
     KorvaMesh mesh;
     float vertices[6] = {0, 0, 0, 2, 0, 0};
@@ -152,14 +153,20 @@ struct CurrentMesh {
     int vertexValues[2] = {7, 8};
     float pointValues[3] = {0.5f, 1.5f, 2.5f};
 
-    CurrentMesh() {
+    explicit CurrentMesh(const std::string& missing = "") {
         const KorvaMesh::Location* v = mesh.createLocation("VERTEX", 2);
         const KorvaMesh::Location* e = mesh.createLocation("EDGE", 1);
         const KorvaMesh::Location* p = mesh.createLocation("POINT", 3);
-        mesh.createData("VertexCoordinates", v, PrimType::FLOAT32, 3, vertices);
-        mesh.createData("EdgeConnectivity", e, PrimType::INT32, 2, ends);
-        mesh.createData("NumEdgePoints", e, PrimType::INT32, 1, counts);
-        mesh.createData("EdgePointCoordinates", p, PrimType::FLOAT32, 3, points);
+        auto add = [&](const char* name, const KorvaMesh::Location* l, PrimType t, int n,
+                       const void* values) {
+            if (missing != name) {
+                mesh.createData(name, l, t, n, values);
+            }
+        };
+        add("VertexCoordinates", v, PrimType::FLOAT32, 3, vertices);
+        add("EdgeConnectivity", e, PrimType::INT32, 2, ends);
+        add("NumEdgePoints", e, PrimType::INT32, 1, counts);
+        add("EdgePointCoordinates", p, PrimType::FLOAT32, 3, points);
     }
 };
 
@@ -187,21 +194,10 @@ TEST(SpatialGraphKorvaMeshTest, RefusesMeshesWithoutTheRequiredArrays) {
                               "EdgePointCoordinates"};
     for (const char* missing : required) {
         SCOPED_TRACE(missing);
-        CurrentMesh full;
-        KorvaMesh mesh;
-        for (int i = 0; i < full.mesh.getNumLocations(); ++i) {
-            mesh.createLocation(full.mesh.getLocation(i)->getName(), full.mesh.getLocation(i)->getSize());
-        }
-        for (int i = 0; i < full.mesh.getNumData(); ++i) {
-            const KorvaMesh::Data* d = full.mesh.getData(i);
-            if (std::string(d->getName()) != missing) {
-                mesh.createData(d->getName(), mesh.findLocation(d->getLocationName()), d->getPrimType(),
-                                d->getNumComponents(), d->getValues());
-            }
-        }
+        CurrentMesh m(missing);
         int poolSize = theObjectPool->size();
         KxMessageCapture capture;
-        EXPECT_EQ(readKorvaMesh(mesh, "x.kxm"), 0);
+        EXPECT_EQ(readKorvaMesh(m.mesh, "x.kxm"), 0);
         ASSERT_EQ(capture.lines().size(), 1u);
         EXPECT_EQ(capture.lines()[0],
                   "Error: KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge "
