@@ -201,8 +201,7 @@ TEST(SpatialGraphKorvaMeshTest, RefusesMeshesWithoutTheRequiredArrays) {
         ASSERT_EQ(capture.lines().size(), 1u);
         EXPECT_EQ(capture.lines()[0],
                   "Error: KxSpatialGraph::readKorvaMesh: expecting at least  vertex coordinates, edge "
-                  "connectivity, "
-                  "edge points in x.kxm.");
+                  "connectivity, edge points in x.kxm.");
         EXPECT_EQ(theObjectPool->size(), poolSize);
     }
 }

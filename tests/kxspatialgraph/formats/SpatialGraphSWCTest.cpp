@@ -125,12 +125,10 @@ TEST(SpatialGraphSWCTest, ReadsLinesAsTheyComeAndSaysWhatItDropsOrReplaces) {
         // The repeated line counts twice as child of 2, which becomes a branch point.
         {"1 1 0 0 0 1 -1\n2 3 1 0 0 1 1\n3 3 2 0 0 1 2\n3 3 2 1 0 1 2\n", 3, 2, 5,
          "Warning: t.swc: 1 line(s) repeat an id read before (the first in line 4); each replaces the "
-         "earlier "
-         "point, whose parent keeps counting it as a child."},
+         "earlier point, whose parent keeps counting it as a child."},
         {"1 1 0 0 0 1 -1\n8 3 1 0 0 1 7\n9 3 2 0 0 1 7\n", 4, 2, 4,
          "Warning: t.swc: 1 parent id(s) have no line of their own (the first: 7); each becomes a point at "
-         "the "
-         "origin with radius 0 and type 0.\nWarning point (0.000000,0.000000,0.000000) is isolated ..."},
+         "the origin with radius 0 and type 0.\nWarning point (0.000000,0.000000,0.000000) is isolated ..."},
         {"1 1 5 6 7 1 -1\n", 1, 0, 0, "Warning point (5.000000,6.000000,7.000000) is isolated ..."},
         {"", 0, 0, 0, ""},
     };
