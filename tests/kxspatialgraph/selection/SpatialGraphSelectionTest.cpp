@@ -1,11 +1,50 @@
 #include "kxspatialgraph/selection/SpatialGraphSelection.h"
 
+#include <functional>
+#include <string>
+
 #include <gtest/gtest.h>
 
 namespace {
 
 SpatialGraphPoint pt(int edge, int point) {
     return SpatialGraphPoint(edge, point);
+}
+
+// One line per kind, e.g. "V 0 31 | E 33 | A 2 | P 1:1 0:3": selected vertices
+// and edges, edges with all points selected, then the listed points in order.
+// A '?' marks an index that getSelectedVertex/-Edge names differently, "#n" a
+// count that differs from the listed ones.
+std::string listed(const char* tag, int size, int count, const std::function<bool(int)>& isSelected,
+                   const std::function<int(int)>& nth) {
+    std::string out = tag;
+    int k = 0;
+    for (int i = 0; i < size; ++i) {
+        if (isSelected(i)) {
+            out += " " + std::to_string(i) + (nth && nth(k) != i ? "?" : "");
+            ++k;
+        }
+    }
+    return k == count ? out : out + " #" + std::to_string(count);
+}
+
+std::string contents(const SpatialGraphSelection& s) {
+    std::string out =
+        listed(
+            "V", s.getNumVertices(), s.getNumSelectedVertices(), [&](int v) { return s.isSelectedVertex(v); },
+            [&](int k) { return s.getSelectedVertex(k); }) +
+        listed(
+            " | E", s.getNumEdges(), s.getNumSelectedEdges(), [&](int e) { return s.isSelectedEdge(e); },
+            [&](int k) { return s.getSelectedEdge(k); }) +
+        listed(
+            " | A", s.getNumEdges(), s.getNumEdgesWithAllPointsSelected(),
+            [&](int e) { return s.allPointsOnEdgeSelected(e); }, nullptr) +
+        " | P";
+    for (int i = 0; i < s.getNumSelectedPoints(); ++i) {
+        out += " " + std::to_string(s.getSelectedPoint(i).edgeNum) + ":" +
+               std::to_string(s.getSelectedPoint(i).pointNum);
+    }
+    return out;
 }
 
 TEST(SpatialGraphSelectionTest, ResizeKeepsBitsInRangeAndAddsClearBits) {
@@ -16,14 +55,9 @@ TEST(SpatialGraphSelectionTest, ResizeKeepsBitsInRangeAndAddsClearBits) {
     s.selectEdge(39);
     s.selectAllPointsOnEdge(39);
     s.resize(10, 35);
-    EXPECT_EQ(s.getNumSelectedVertices(), 1);
-    EXPECT_TRUE(s.isSelectedVertex(2));
-    EXPECT_EQ(s.getNumSelectedEdges(), 1);
-    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 0);
+    EXPECT_EQ(contents(s), "V 2 | E 1 | A | P");
     s.resize(40, 40);
-    EXPECT_FALSE(s.isSelectedVertex(35));
-    EXPECT_FALSE(s.isSelectedEdge(39));
-    EXPECT_FALSE(s.allPointsOnEdgeSelected(39));
+    EXPECT_EQ(contents(s), "V 2 | E 1 | A | P");
     EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(40, 40)));
 }
 
@@ -35,14 +69,9 @@ TEST(SpatialGraphSelectionTest, GetSelectedCountsAcrossWords) {
         s.selectVertex(v);
     }
     s.selectEdge(33);
-    EXPECT_EQ(s.getSelectedVertex(0), 0);
-    EXPECT_EQ(s.getSelectedVertex(1), 31);
-    EXPECT_EQ(s.getSelectedVertex(2), 32);
-    EXPECT_EQ(s.getSelectedVertex(4), 64);
-    EXPECT_EQ(s.getSelectedVertex(5), 99);
+    EXPECT_EQ(contents(s), "V 0 31 32 63 64 99 | E 33 | A | P");
     EXPECT_EQ(s.getSelectedVertex(6), -1);
     EXPECT_EQ(s.getSelectedVertex(-1), -1);
-    EXPECT_EQ(s.getSelectedEdge(0), 33);
     EXPECT_EQ(s.getSelectedEdge(1), -1);
 }
 
@@ -50,66 +79,53 @@ TEST(SpatialGraphSelectionTest, PointListAndAllPointsBitsAreIndependent) {
     SpatialGraphSelection s(4, 4);
     s.selectAllPointsOnEdge(2);
     EXPECT_TRUE(s.isPointSelected(pt(2, 5)));
-    EXPECT_TRUE(s.allPointsOnEdgeSelected(2));
-    EXPECT_EQ(s.getNumSelectedPoints(), 0);
-    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 1);
     EXPECT_FALSE(s.isPointSelected(pt(1, 0)));
+    EXPECT_EQ(contents(s), "V | E | A 2 | P");
 
     // Duplicates are kept; a toggle removes only the first occurrence.
     s.selectPoint(pt(1, 1));
     s.selectPoint(pt(0, 3));
     s.selectPoint(pt(1, 1));
-    EXPECT_EQ(s.getNumSelectedPoints(), 3);
+    EXPECT_EQ(contents(s), "V | E | A 2 | P 1:1 0:3 1:1");
     s.togglePoint(pt(1, 1));
-    EXPECT_EQ(s.getNumSelectedPoints(), 2);
+    EXPECT_EQ(contents(s), "V | E | A 2 | P 0:3 1:1");
     EXPECT_TRUE(s.isPointSelected(pt(1, 1)));
-    EXPECT_EQ(s.getSelectedPoint(0), pt(0, 3));
-    EXPECT_EQ(s.getSelectedPoint(1), pt(1, 1));
     s.togglePoint(pt(1, 1));
     EXPECT_FALSE(s.isPointSelected(pt(1, 1)));
 
     // Toggling ignores the all-points bit: the point is listed as well.
     s.togglePoint(pt(2, 0));
-    EXPECT_EQ(s.getNumSelectedPoints(), 2);
-    EXPECT_EQ(s.getSelectedPoint(1), pt(2, 0));
+    EXPECT_EQ(contents(s), "V | E | A 2 | P 0:3 2:0");
 }
 
 TEST(SpatialGraphSelectionTest, SelectingAndDeselectingAllPoints) {
     SpatialGraphSelection s(3, 5);
     s.selectPoint(pt(0, 1));
     s.selectAllPoints();
-    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 5);
-    EXPECT_EQ(s.getNumSelectedPoints(), 0);
+    EXPECT_EQ(contents(s), "V | E | A 0 1 2 3 4 | P");
     EXPECT_TRUE(s.isPointSelected(pt(4, 100)));
 
     s.selectPoint(pt(0, 1));
     s.deselectAllPoints();
-    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 0);
-    EXPECT_EQ(s.getNumSelectedPoints(), 0);
+    EXPECT_EQ(contents(s), "V | E | A | P");
     EXPECT_FALSE(s.isPointSelected(pt(4, 0)));
-    EXPECT_FALSE(s.allPointsOnEdgeSelected(4));
     // The all-points bits were shrunk to nothing, so the sizes now differ.
     EXPECT_FALSE(s.isSameSize(SpatialGraphSelection(3, 5)));
     s.selectAllPointsOnEdge(4);
     EXPECT_TRUE(s.isSameSize(SpatialGraphSelection(3, 5)));
-    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 1);
+    EXPECT_EQ(contents(s), "V | E | A 4 | P");
 
     SpatialGraphSelection edges(3, 5);
     edges.selectEdge(1);
     edges.selectEdge(3);
     s.selectAllPointsOnEdgesFromSelection(edges);
-    EXPECT_TRUE(s.allPointsOnEdgeSelected(1));
-    EXPECT_TRUE(s.allPointsOnEdgeSelected(3));
-    EXPECT_FALSE(s.allPointsOnEdgeSelected(4));
-    EXPECT_EQ(s.getNumSelectedEdges(), 0);
+    EXPECT_EQ(contents(s), "V | E | A 1 3 | P");
 
     SpatialGraphSelection copy(3, 5);
     copy.selectVertex(0);
     s.selectPoint(pt(2, 2));
     copy.copyPointSelection(s);
-    EXPECT_TRUE(copy.allPointsOnEdgeSelected(3));
-    EXPECT_EQ(copy.getNumSelectedPoints(), 1);
-    EXPECT_TRUE(copy.isSelectedVertex(0));
+    EXPECT_EQ(contents(copy), "V 0 | E | A 1 3 | P 2:2");
 }
 
 TEST(SpatialGraphSelectionTest, AddSelectionUnitesBitsAndAppendsPoints) {
@@ -122,18 +138,13 @@ TEST(SpatialGraphSelectionTest, AddSelectionUnitesBitsAndAppendsPoints) {
     b.selectPoint(pt(2, 1));
     b.selectPoint(pt(3, 0));
     a.addSelection(b);
-    EXPECT_EQ(a.getNumSelectedVertices(), 2);
-    EXPECT_TRUE(a.isSelectedEdge(1));
-    EXPECT_TRUE(a.allPointsOnEdgeSelected(0));
-    ASSERT_EQ(a.getNumSelectedPoints(), 3);
-    EXPECT_EQ(a.getSelectedPoint(1), pt(2, 1));
-    EXPECT_EQ(a.getSelectedPoint(2), pt(3, 0));
+    EXPECT_EQ(contents(a), "V 0 3 | E 1 | A 0 | P 2:1 2:1 3:0");
 
     // All-points bits shrunk by deselectAllPoints still receive other's bits.
     SpatialGraphSelection c(4, 4);
     c.deselectAllPoints();
     c.addSelection(b);
-    EXPECT_TRUE(c.allPointsOnEdgeSelected(0));
+    EXPECT_EQ(contents(c), "V 3 | E | A 0 | P 2:1 3:0");
     EXPECT_TRUE(c.isSameSize(b));
 }
 
@@ -152,13 +163,7 @@ TEST(SpatialGraphSelectionTest, SubtractSelectionRemovesEveryEqualPoint) {
     b.selectPoint(pt(0, 1));
     b.selectPoint(pt(1, 1));
     a.subtractSelection(b);
-    EXPECT_FALSE(a.isSelectedVertex(2));
-    EXPECT_EQ(a.getNumSelectedVertices(), 3);
-    EXPECT_FALSE(a.isSelectedEdge(0));
-    EXPECT_EQ(a.getNumSelectedEdges(), 3);
-    EXPECT_FALSE(a.allPointsOnEdgeSelected(2));
-    ASSERT_EQ(a.getNumSelectedPoints(), 1);
-    EXPECT_EQ(a.getSelectedPoint(0), pt(3, 2));
+    EXPECT_EQ(contents(a), "V 0 1 3 | E 1 2 3 | A 1 | P 3:2");
     // Removed from the list, but still selected through edge 1's all-points bit.
     EXPECT_TRUE(a.isPointSelected(pt(1, 1)));
     EXPECT_FALSE(a.isPointSelected(pt(0, 1)));
@@ -185,14 +190,7 @@ TEST(SpatialGraphSelectionTest, IntersectionKeepsCommonBitsAndListedPoints) {
     EXPECT_EQ(&result, &viaAnd);
     a &= b;
     EXPECT_EQ(a, viaAnd);
-    EXPECT_EQ(a.getNumSelectedVertices(), 1);
-    EXPECT_TRUE(a.isSelectedVertex(1));
-    EXPECT_EQ(a.getNumSelectedEdges(), 0);
-    EXPECT_EQ(a.getNumEdgesWithAllPointsSelected(), 1);
-    EXPECT_TRUE(a.allPointsOnEdgeSelected(3));
-    ASSERT_EQ(a.getNumSelectedPoints(), 2);
-    EXPECT_EQ(a.getSelectedPoint(0), pt(1, 0));
-    EXPECT_EQ(a.getSelectedPoint(1), pt(1, 0));
+    EXPECT_EQ(contents(a), "V 1 | E | A 3 | P 1:0 1:0");
 }
 
 TEST(SpatialGraphSelectionTest, ToggleAllFlipsVerticesAndEdgesOnly) {
@@ -202,13 +200,11 @@ TEST(SpatialGraphSelectionTest, ToggleAllFlipsVerticesAndEdgesOnly) {
     s.selectAllPointsOnEdge(5);
     s.selectPoint(pt(0, 1));
     s.toggleAll();
-    EXPECT_EQ(s.getNumSelectedVertices(), 2);
-    EXPECT_FALSE(s.isSelectedVertex(1));
-    EXPECT_EQ(s.getNumSelectedEdges(), 32);
-    EXPECT_FALSE(s.isSelectedEdge(32));
-    EXPECT_EQ(s.getNumSelectedPoints(), 0);
-    EXPECT_EQ(s.getNumEdgesWithAllPointsSelected(), 1);
-    EXPECT_TRUE(s.allPointsOnEdgeSelected(5));
+    std::string expected = "V 0 2 | E";
+    for (int e = 0; e < 32; ++e) {
+        expected += " " + std::to_string(e);
+    }
+    EXPECT_EQ(contents(s), expected + " | A 5 | P");
 }
 
 TEST(SpatialGraphSelectionTest, EqualityIgnoresPointOrderButNotSizesOrCounts) {
@@ -283,18 +279,12 @@ TEST(SpatialGraphSelectionTest, DeserializeReadsHandMadeStreamsInBothCases) {
     SpatialGraphSelection s(20, 10);
     s.selectEdge(9);
     s.deserialize(word5.c_str(), lower.c_str());
-    EXPECT_EQ(s.getNumSelectedEdges(), 2);
-    EXPECT_TRUE(s.isSelectedEdge(0));
-    EXPECT_TRUE(s.isSelectedEdge(2));
-    EXPECT_EQ(s.getNumSelectedVertices(), 2);
-    EXPECT_TRUE(s.isSelectedVertex(0));
-    EXPECT_TRUE(s.isSelectedVertex(2));
+    EXPECT_EQ(contents(s), "V 0 2 | E 0 2 | A | P");
 
     // An odd trailing character is ignored.
     SpatialGraphSelection odd(3, 3);
     odd.deserialize((word5 + "X").c_str(), (lower + "q").c_str());
-    EXPECT_EQ(odd.getNumSelectedEdges(), 2);
-    EXPECT_EQ(odd.getNumSelectedVertices(), 2);
+    EXPECT_EQ(contents(odd), "V 0 2 | E 0 2 | A | P");
 }
 
 TEST(SpatialGraphSelectionTest, SerializeRoundTripsBitsExactly) {
