@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "korva/core/KxMessageCapture.h"
@@ -89,14 +90,11 @@ TEST_F(KxComputeDistanceToPointTest, SpreadsThroughTheBranchVertexAndLeavesOther
     const KxSpatialGraph& r = run("2 0");
     float arm = std::sqrt(5.0f);
     EXPECT_EQ(distances(r, 2), (std::vector<float>{0, arm}));
-    std::vector<float> e0 = distances(r, 0);
-    std::vector<float> e1 = distances(r, 1);
-    ASSERT_EQ(e0.size(), 3u);
-    ASSERT_EQ(e1.size(), 4u);
-    EXPECT_EQ(e0[0], arm);
-    EXPECT_EQ(e1[0], arm);
-    EXPECT_NEAR(e0[2], arm + std::sqrt(5.0f), 1e-5f);
-    EXPECT_NEAR(e1[3], arm + std::sqrt(5.25f), 1e-5f);
+    const float a0 = std::sqrt(5.0f) / 2, a1 = std::sqrt(5.25f) / 3;  // point spacing on edges 0 and 1
+    using testing::FloatNear;
+    EXPECT_THAT(distances(r, 0), testing::Pointwise(FloatNear(1e-5f), {arm, arm + a0, arm + 2 * a0}));
+    EXPECT_THAT(distances(r, 1),
+                testing::Pointwise(FloatNear(1e-5f), {arm, arm + a1, arm + 2 * a1, arm + 3 * a1}));
 
     theObjectPool->clear();
     module_ = new KxComputeDistanceToPoint;
@@ -105,8 +103,8 @@ TEST_F(KxComputeDistanceToPointTest, SpreadsThroughTheBranchVertexAndLeavesOther
     const KxSpatialGraph& two = run("2 3");
     EXPECT_EQ(distances(two, 0), (std::vector<float>(3, kMax)));
     EXPECT_EQ(distances(two, 1), (std::vector<float>(2, kMax)));
-    EXPECT_EQ(distances(two, 2)[3], 0.0f);
-    EXPECT_NEAR(distances(two, 2)[0], std::sqrt(10.0f), 1e-5f);
+    const float step = std::sqrt(10.0f) / 3;
+    EXPECT_THAT(distances(two, 2), testing::Pointwise(FloatNear(1e-5f), {3 * step, 2 * step, step, 0.0f}));
 }
 
 TEST_F(KxComputeDistanceToPointTest, SetRefPointChecksItsNumbersAndAnswersSnappedOnesRunTogether) {
