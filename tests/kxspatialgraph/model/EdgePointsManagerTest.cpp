@@ -1,3 +1,6 @@
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "kxspatialgraph/model/EdgePointsManager.h"
@@ -13,39 +16,41 @@ DArray<Vec3f> pointsFor(int e, int n) {
     return p;
 }
 
-std::vector<int> offsets(const EdgePointsManager& m) {
-    return std::vector<int>(m.getOffsets().begin(), m.getOffsets().end());
+// "70 71 | 10 11 12": the points of each edge as the digits of x, y (and z when
+// not 0), edges split where the offsets say. A '?' marks a point that
+// getEdgePoint reads differently from the stored array.
+std::string layout(const EdgePointsManager& m) {
+    const auto& offsets = m.getOffsets();
+    std::string out;
+    for (int e = 0; e + 1 < offsets.size(); ++e) {
+        out += e ? " |" : "";
+        for (int i = offsets[e]; i < offsets[e + 1]; ++i) {
+            Vec3f p = m.getAllPoints()[i];
+            out += " " + std::to_string(static_cast<int>(p.x)) + std::to_string(static_cast<int>(p.y)) +
+                   (p.z != 0 ? std::to_string(static_cast<int>(p.z)) : "") +
+                   (m.getEdgePoint(e, i - offsets[e]) == p ? "" : "?");
+        }
+    }
+    return out + " (" + std::to_string(m.getNumEdges()) + "/" + std::to_string(m.getTotalNumEdgePoints()) +
+           ")";
 }
 
 }  // namespace
 
 TEST(EdgePointsManagerTest, AddAndRemoveSingleEdgesKeepOffsetsAsPrefixSums) {
     EdgePointsManager m;
-    EXPECT_EQ(m.getNumEdges(), 0);
-    EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
-    EXPECT_EQ(offsets(m), (std::vector<int>{0}));
-
+    EXPECT_EQ(layout(m), " (0/0)");
     m.addEdge(pointsFor(0, 2));
     m.addEdge(pointsFor(1, 3));
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 2, 5}));
-    EXPECT_EQ(m.getEdgePoint(1, 2), Vec3f(1, 2, 0));
-
+    EXPECT_EQ(layout(m), " 00 01 | 10 11 12 (2/5)");
     m.removeEdge(0);
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 3}));
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(m.getAllPoints()[i], Vec3f(1, static_cast<float>(i), 0));
-    }
-
+    EXPECT_EQ(layout(m), " 10 11 12 (1/3)");
     m.insertEdgeBefore(0, pointsFor(7, 4));
     m.insertEdgeBefore(2, pointsFor(8, 1));  // at the end: appends
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 4, 7, 8}));
-    EXPECT_EQ(m.getEdgePoint(0, 3), Vec3f(7, 3, 0));
-    EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(1, 0, 0));
-    EXPECT_EQ(m.getEdgePoint(2, 0), Vec3f(8, 0, 0));
-
+    EXPECT_EQ(layout(m), " 70 71 72 73 | 10 11 12 | 80 (3/8)");
     m.clear();
-    EXPECT_EQ(offsets(m), (std::vector<int>{0}));
-    EXPECT_EQ(m.getTotalNumEdgePoints(), 0);
+    EXPECT_EQ(layout(m), " (0/0)");
+    EXPECT_EQ(m.getOffsets().size(), 1);
 }
 
 TEST(EdgePointsManagerTest, EditingPointsOfOneEdgeShiftsOnlyLaterEdges) {
@@ -54,26 +59,13 @@ TEST(EdgePointsManagerTest, EditingPointsOfOneEdgeShiftsOnlyLaterEdges) {
         m.addEdge(pointsFor(e, 3));
     }
     m.removeEdgePoints(1, 1, 0);
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 3, 6, 9}));
-
+    EXPECT_EQ(layout(m), " 00 01 02 | 10 11 12 | 20 21 22 (3/9)");
     m.setEdgePoints(1, pointsFor(5, 1));  // fewer points: total shrinks
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 3, 4, 7}));
-    EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(5, 0, 0));
-    EXPECT_EQ(m.getEdgePoint(2, 2), Vec3f(2, 2, 0));
-
+    EXPECT_EQ(layout(m), " 00 01 02 | 50 | 20 21 22 (3/7)");
     m.setEdgePoints(0, pointsFor(6, 5));  // more points
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 5, 6, 9}));
-    EXPECT_EQ(m.getEdgePoint(0, 4), Vec3f(6, 4, 0));
-    EXPECT_EQ(m.getEdgePoint(2, 0), Vec3f(2, 0, 0));
-
+    EXPECT_EQ(layout(m), " 60 61 62 63 64 | 50 | 20 21 22 (3/9)");
     m.insertEdgePoints(2, 1, DArray<Vec3f>{Vec3f(9, 9, 9), Vec3f(8, 8, 8)});
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 5, 6, 11}));
-    EXPECT_EQ(m.getEdgePoint(2, 0), Vec3f(2, 0, 0));
-    EXPECT_EQ(m.getEdgePoint(2, 1), Vec3f(9, 9, 9));
-    EXPECT_EQ(m.getEdgePoint(2, 3), Vec3f(2, 1, 0));
-
+    EXPECT_EQ(layout(m), " 60 61 62 63 64 | 50 | 20 999 888 21 22 (3/11)");
     m.removeEdgePoints(0, 1, 3);
-    EXPECT_EQ(offsets(m), (std::vector<int>{0, 2, 3, 8}));
-    EXPECT_EQ(m.getEdgePoint(0, 1), Vec3f(6, 4, 0));
-    EXPECT_EQ(m.getEdgePoint(1, 0), Vec3f(5, 0, 0));
+    EXPECT_EQ(layout(m), " 60 64 | 50 | 20 999 888 21 22 (3/8)");
 }

@@ -39,18 +39,11 @@ DArray<int> ids(const KxSpatialGraph& g, KxSpatialGraph::Location loc) {
     return result;
 }
 
-DArray<TypedElement> vertexValues(const KxSpatialGraph& g, int v) {
+// The values of vertex or edge i, one per attribute at that location.
+DArray<TypedElement> elementValues(const KxSpatialGraph& g, KxSpatialGraph::Location loc, int i) {
     DArray<TypedElement> values;
-    for (int k = 0; k < g.getNumVertexAttributes(); ++k) {
-        values.append(g.getVertexAttribute(k)->getValue(v));
-    }
-    return values;
-}
-
-DArray<TypedElement> edgeValues(const KxSpatialGraph& g, int e) {
-    DArray<TypedElement> values;
-    for (int k = 0; k < g.getNumEdgeAttributes(); ++k) {
-        values.append(g.getEdgeAttribute(k)->getValue(e));
+    for (int k = 0; k < g.numAttributes(loc); ++k) {
+        values.append(static_cast<const EdgeVertexAttribute*>(g.attribute(loc, k))->getValue(i));
     }
     return values;
 }
@@ -114,7 +107,7 @@ struct SavedElements {
 // with its saved attribute values or without any.
 void reinsertVertex(KxSpatialGraph& g, int v, bool supplied) {
     Vec3f c = g.getVertexCoords(v);
-    DArray<TypedElement> values = vertexValues(g, v);
+    DArray<TypedElement> values = elementValues(g, KxSpatialGraph::VERTEX, v);
     g.removeVertex(v);
     g.insertVertex(v, c, supplied ? values : DArray<TypedElement>(),
                    supplied ? ids(g, KxSpatialGraph::VERTEX) : DArray<int>());
@@ -123,7 +116,7 @@ void reinsertVertex(KxSpatialGraph& g, int v, bool supplied) {
 void reinsertEdge(KxSpatialGraph& g, int e, bool supplied) {
     SpatialGraphEdge edge = g.getEdge(e);
     DArray<Vec3f> points = g.getEdgePoints(e);
-    DArray<TypedElement> ev = edgeValues(g, e);
+    DArray<TypedElement> ev = elementValues(g, KxSpatialGraph::EDGE, e);
     DArray<TypedData2D> pv = pointValues(g, e);
     g.removeEdge(e);
     if (supplied) {
@@ -140,7 +133,7 @@ struct BookkeepingCase {
     Ints edgeOrigins;    // old index of each edge, -1 for a new one
     // Per edge whose point values are not simply its origin's: old point index
     // of each point, -1 for a new one. Indexed by new edge.
-    std::vector<std::pair<int, Ints>> pointOrigins;
+    std::vector<std::pair<int, Ints>> pointOrigins = {};
 };
 
 void expectMarkers(const KxSpatialGraph& g, const BookkeepingCase& c) {
@@ -182,75 +175,45 @@ void expectMarkers(const KxSpatialGraph& g, const BookkeepingCase& c) {
 }
 
 std::vector<BookkeepingCase> cases() {
-    const Ints allVertices{0, 1, 2, 3, 4, 5, 6};
-    const Ints allEdges{0, 1, 2, 3};
+    using G = KxSpatialGraph;
+    const Ints allV{0, 1, 2, 3, 4, 5, 6};
+    const Ints allE{0, 1, 2, 3};
     return {
-        {"addVertex",
-         [](KxSpatialGraph& g) { g.addVertex(Vec3f(1, 1, 1)); },
-         {0, 1, 2, 3, 4, 5, 6, -1},
-         allEdges,
-         {}},
-        {"addEdge", [](KxSpatialGraph& g) { g.addEdge(5, 6); }, allVertices, {0, 1, 2, 3, -1}, {}},
-        {"removeVertex", [](KxSpatialGraph& g) { g.removeVertex(5); }, {0, 1, 2, 3, 4, 6}, allEdges, {}},
-        {"removeEdge", [](KxSpatialGraph& g) { g.removeEdge(1); }, allVertices, {0, 2, 3}, {}},
+        {"addVertex", [](G& g) { g.addVertex(Vec3f(1, 1, 1)); }, {0, 1, 2, 3, 4, 5, 6, -1}, allE},
+        {"addEdge", [](G& g) { g.addEdge(5, 6); }, allV, {0, 1, 2, 3, -1}},
+        {"removeVertex", [](G& g) { g.removeVertex(5); }, {0, 1, 2, 3, 4, 6}, allE},
+        {"removeEdge", [](G& g) { g.removeEdge(1); }, allV, {0, 2, 3}},
         {"removeMultipleEdges",
-         [](KxSpatialGraph& g) {
+         [](G& g) {
              g.removeMultipleEdges(DArray<int>{0, 2, 3});
          },
-         allVertices,
-         {1},
-         {}},
+         allV,
+         {1}},
         {"removeMultipleVertices",
-         [](KxSpatialGraph& g) {
+         [](G& g) {
              g.removeMultipleEdges(DArray<int>{0, 1});
              g.removeMultipleVertices(DArray<int>{0, 1, 5});
          },
          {2, 3, 4, 6},
-         {2, 3},
-         {}},
-        {"insertVertex supplied",
-         [](KxSpatialGraph& g) { reinsertVertex(g, 5, true); },
-         allVertices,
-         allEdges,
-         {}},
-        {"insertVertex unsupplied",
-         [](KxSpatialGraph& g) { reinsertVertex(g, 5, false); },
-         {0, 1, 2, 3, 4, -1, 6},
-         allEdges,
-         {}},
-        {"insertVertex at the end supplied",
-         [](KxSpatialGraph& g) { reinsertVertex(g, 6, true); },
-         allVertices,
-         allEdges,
-         {}},
-        {"insertEdge supplied",
-         [](KxSpatialGraph& g) { reinsertEdge(g, 1, true); },
-         allVertices,
-         allEdges,
-         {}},
-        {"insertEdge unsupplied",
-         [](KxSpatialGraph& g) { reinsertEdge(g, 1, false); },
-         allVertices,
-         {0, -1, 2, 3},
-         {}},
-        {"insertEdge at the end supplied",
-         [](KxSpatialGraph& g) { reinsertEdge(g, 3, true); },
-         allVertices,
-         allEdges,
-         {}},
+         {2, 3}},
+        {"insertVertex supplied", [](G& g) { reinsertVertex(g, 5, true); }, allV, allE},
+        {"insertVertex unsupplied", [](G& g) { reinsertVertex(g, 5, false); }, {0, 1, 2, 3, 4, -1, 6}, allE},
+        {"insertVertex at the end supplied", [](G& g) { reinsertVertex(g, 6, true); }, allV, allE},
+        {"insertEdge supplied", [](G& g) { reinsertEdge(g, 1, true); }, allV, allE},
+        {"insertEdge unsupplied", [](G& g) { reinsertEdge(g, 1, false); }, allV, {0, -1, 2, 3}},
+        {"insertEdge at the end supplied", [](G& g) { reinsertEdge(g, 3, true); }, allV, allE},
         {"insertMultiple supplied",
-         [](KxSpatialGraph& g) {
+         [](G& g) {
              SavedElements saved;
              g.removeMultipleEdges(DArray<int>{3});
              saved.save(g, DArray<int>{0, 2}, DArray<int>{0, 4, 5});
              saved.remove(g);
              saved.restore(g);
          },
-         allVertices,
-         {0, 1, 2},
-         {}},
+         allV,
+         {0, 1, 2}},
         {"insertMultiple unsupplied",
-         [](KxSpatialGraph& g) {
+         [](G& g) {
              SavedElements saved;
              saved.save(g, DArray<int>{0, 1}, DArray<int>{0, 6});
              saved.remove(g);
@@ -260,38 +223,31 @@ std::vector<BookkeepingCase> cases() {
              saved.restore(g);
          },
          {-1, 1, 2, 3, 4, 5, -1},
-         {-1, -1, 2, 3},
-         {}},
+         {-1, -1, 2, 3}},
         {"setEdgePoints",
-         [](KxSpatialGraph& g) { g.setEdgePoints(1, straightPoints(Vec3f(1, 0, 0), Vec3f(2, 0, 0), 5)); },
-         allVertices,
-         allEdges,
+         [](G& g) { g.setEdgePoints(1, straightPoints(Vec3f(1, 0, 0), Vec3f(2, 0, 0), 5)); },
+         allV,
+         allE,
          {{1, {0, 1, 2, -1, -1}}}},
         {"setEdgePoints shrinking",
-         [](KxSpatialGraph& g) { g.setEdgePoints(2, straightPoints(Vec3f(2, 0, 0), Vec3f(3, 0, 0), 2)); },
-         allVertices,
-         allEdges,
+         [](G& g) { g.setEdgePoints(2, straightPoints(Vec3f(2, 0, 0), Vec3f(3, 0, 0), 2)); },
+         allV,
+         allE,
          {{2, {0, 1}}}},
         {"insertEdgePoints",
-         [](KxSpatialGraph& g) {
+         [](G& g) {
              g.insertEdgePoints(2, 1, DArray<Vec3f>{Vec3f(2.1f, 0, 0), Vec3f(2.2f, 0, 0)});
          },
-         allVertices,
-         allEdges,
+         allV,
+         allE,
          {{2, {0, -1, -1, 1, 2, 3}}}},
-        {"removeEdgePoints",
-         [](KxSpatialGraph& g) { g.removeEdgePoints(2, 1, 2); },
-         allVertices,
-         allEdges,
-         {{2, {0, 3}}}},
+        {"removeEdgePoints", [](G& g) { g.removeEdgePoints(2, 1, 2); }, allV, allE, {{2, {0, 3}}}},
         {"setEdgeSource and setEdgeTarget",
-         [](KxSpatialGraph& g) {
+         [](G& g) {
              g.setEdgeSource(0, 5);
              g.setEdgeTarget(3, 6);
          },
-         allVertices,
-         allEdges,
-         {}},
+         allV, allE},
     };
 }
 
