@@ -74,11 +74,10 @@ TEST_F(KxLabelSpatialGraphTest, LabelsNodesAndPointsThroughTheFieldsTransformati
     PointAttribute* points = r->findEdgePointAttribute("Materials_Points");
     ASSERT_NE(nodes, nullptr);
     ASSERT_NE(points, nullptr);
-    EXPECT_EQ(nodes->getIntDataAtIdx(0), 3);
-    EXPECT_EQ(nodes->getIntDataAtIdx(1), 1);
-    EXPECT_EQ(points->getIntDataAtPoint(0, 0), 3);
-    EXPECT_EQ(points->getIntDataAtPoint(0, 1), 2);
-    EXPECT_EQ(points->getIntDataAtPoint(0, 2), 1);
+    EXPECT_EQ((std::vector<int>{nodes->getIntDataAtIdx(0), nodes->getIntDataAtIdx(1),
+                                points->getIntDataAtPoint(0, 0), points->getIntDataAtPoint(0, 1),
+                                points->getIntDataAtPoint(0, 2)}),
+              (std::vector<int>{3, 1, 3, 2, 1}));
     String name;
     ASSERT_TRUE(r->getLabelName(nodes, 3, name));
     EXPECT_EQ(name, "Core");
