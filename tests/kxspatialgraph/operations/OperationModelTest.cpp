@@ -135,6 +135,12 @@ struct OperationMaker {
     std::function<std::unique_ptr<Operation>(KxSpatialGraph&, Rng&)> make;
 };
 
+// An operation on a random selection, with a random visible selection.
+template <class Op>
+std::unique_ptr<Operation> onRandomSelection(KxSpatialGraph& g, Rng& rng) {
+    return std::make_unique<Op>(&g, randomSelection(g, rng, 0.3), randomSelection(g, rng, 0.5));
+}
+
 const std::vector<OperationMaker>& operationMakers() {
     static const std::vector<OperationMaker> makers = {
         {"AddVertexOperation",
@@ -167,16 +173,8 @@ const std::vector<OperationMaker>& operationMakers() {
              op->setDirection(chance(rng, 0.7), chance(rng, 0.7), chance(rng, 0.7));
              return op;
          }},
-        {"DeleteOperation",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             return std::make_unique<DeleteOperation>(&g, randomSelection(g, rng, 0.3),
-                                                      randomSelection(g, rng, 0.5));
-         }},
-        {"FindAndDeleteIsolatedVertices",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             return std::make_unique<FindAndDeleteIsolatedVertices>(&g, randomSelection(g, rng, 0.3),
-                                                                    randomSelection(g, rng, 0.5));
-         }},
+        {"DeleteOperation", onRandomSelection<DeleteOperation>},
+        {"FindAndDeleteIsolatedVertices", onRandomSelection<FindAndDeleteIsolatedVertices>},
         {"VertexToPointOperation",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              int v = pick(rng, g.getNumVertices());
@@ -203,11 +201,7 @@ const std::vector<OperationMaker>& operationMakers() {
         // a vertex with its edges). Traced polylines run from the new edge's
         // source (the lower vertex index) to its target, so the graph stays
         // consistent.
-        {"ConnectSelectionOperationSet",
-         [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
-             return std::make_unique<ConnectSelectionOperationSet>(&g, randomSelection(g, rng, 0.3),
-                                                                   randomSelection(g, rng, 0.5));
-         }},
+        {"ConnectSelectionOperationSet", onRandomSelection<ConnectSelectionOperationSet>},
         {"FindAndConvertVerticesToPointsOperationSet",
          [](KxSpatialGraph& g, Rng& rng) -> std::unique_ptr<Operation> {
              return std::make_unique<FindAndConvertVerticesToPointsOperationSet>(
