@@ -184,30 +184,15 @@ TEST(GraphUtilsTest, FindsTheTreesAndLoopsOfSmallGraphs) {
         LineSets trees, loops;
         Lines loopy, generating;
     };
+    const std::vector<std::pair<int, int>> tri{{0, 1}, {1, 2}, {2, 0}}, sq{{0, 1}, {1, 2}, {2, 3}, {3, 0}};
     const Case cases[] = {
         {"pieces joined at equal coordinates", {a, b, b, c}, {{0, 1}, {2, 3}}, {}, {}, {{0, 1}}, {}, {}, {}},
         {"self-loop first", {a, b}, {{0, 0}, {0, 1}}, {}, {}, {{0}, {1}}, {{0}}, {0}, {0}},
         {"parallel twins", {a, b, a, b}, {{0, 1}, {3, 2}}, {}, {}, {{0, 1}}, {{0, 1}}, {0, 1}, {0}},
-        {"triangle", {a, b, c}, {{0, 1}, {1, 2}, {2, 0}}, {}, {}, {{0, 1, 2}}, {{2, 1}}, {2, 1}, {}},
-        {"triangle, two start lines", {a, b, c}, {{0, 1}, {1, 2}, {2, 0}}, {}, {0, 2}, {{0, 2}}, {}, {}, {}},
-        {"square",
-         {a, b, c, d},
-         {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
-         {},
-         {},
-         {{0, 1, 2, 3}},
-         {{3, 2, 1}},
-         {3, 2, 1},
-         {3}},
-        {"thin square",
-         {a, b, c, d},
-         {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
-         {3, 3, 1, 2},
-         {},
-         {{0, 1, 2, 3}},
-         {{3, 2, 1}},
-         {3, 2, 1},
-         {2}},
+        {"triangle", {a, b, c}, tri, {}, {}, {{0, 1, 2}}, {{2, 1}}, {2, 1}, {}},
+        {"triangle, two start lines", {a, b, c}, tri, {}, {0, 2}, {{0, 2}}, {}, {}, {}},
+        {"square", {a, b, c, d}, sq, {}, {}, {{0, 1, 2, 3}}, {{3, 2, 1}}, {3, 2, 1}, {3}},
+        {"thin square", {a, b, c, d}, sq, {3, 3, 1, 2}, {}, {{0, 1, 2, 3}}, {{3, 2, 1}}, {3, 2, 1}, {2}},
     };
     KxMessageCapture console;
     for (const Case& test : cases) {
