@@ -9,10 +9,7 @@
 #include "korva/core/KxObjectPool.h"
 #include "korva/core/KxTclInterpreter.h"
 #include "support/TclEval.h"
-#include "kxspatialgraph/model/EdgeVertexAttribute.h"
-#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
-#include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
 
@@ -178,6 +175,9 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsMakeAConsistentGraphThatQueri
         {"g getLabelColor Kind 1", "1 0.5 0"},
         {"g getLabelId Kind Dendrite", "3"},
         {"g getLabelId Kind Soma", "-1"},
+        {"g edgeLength 0", "10.733996391296387"},
+        {"g edgeLength 1", "0.0"},
+        {"g totalLength", "10.733996391296387"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script);
@@ -192,6 +192,9 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsMakeAConsistentGraphThatQueri
         {"g getLabelName Kind 9", "Error: Label group Kind has no label with id 9."},
         {"g getLabelColor Nope 1", "Error: Label group Nope not found."},
         {"g getNumEdges 1", "USAGE: getNumEdges"},
+        {"g edgeLength 2", "Error: Edge 2 out of range (2)."},
+        {"g edgeLength x", "Error: expected integer but got \"x\""},
+        {"g edgeLength", "USAGE: edgeLength e"},
     };
     for (const Case& c : errors) {
         SCOPED_TRACE(c.script);
