@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
-#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphFixtures.h"

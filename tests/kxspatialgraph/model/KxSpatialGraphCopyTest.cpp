@@ -7,9 +7,7 @@
 
 #include "korva/core/KxMessageCapture.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
-#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
-#include "kxspatialgraph/model/PointAttribute.h"
 #include "support/GraphComparison.h"
 #include "support/GraphFixtures.h"
 
