@@ -48,14 +48,7 @@ TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactlyAsSpecified) {
         {"n = 1 changes nothing", p, 1, true, true, true, {0, 3, 6, 12, 24}, 1},
         {"n = 4 sums 3 points and divides by 4", p, 4, true, true, true, {0, 2.25f, 5.25f, 10.5f, 24}, 1.5f},
         {"only x enabled", p, 3, true, false, false, {0, 3, 7, 14, 24}, 1},
-        {"fewer points than 2h + 1",
-         DArray<Vec3f>{Vec3f(0, 0, 0), Vec3f(3, 1, 2)},
-         3,
-         true,
-         true,
-         true,
-         {0, 3},
-         1},
+        {"fewer points than 2h + 1", DArray<Vec3f>{p[0], p[1]}, 3, true, true, true, {0, 3}, 1},
     };
     auto g = makeChain(2);
     for (const Case& c : cases) {
@@ -79,10 +72,7 @@ TEST(OperationEffectsTest, VertexToPointJoinsPolylinesAndValuesTowardsTheFarEnds
         std::vector<int> joinedMarkers;
     };
     const Case cases[] = {
-        {"ending at it, then starting at it: directions kept",
-         false,
-         true,
-         {0, 1, 10000, 10001, 10002, 10003}},
+        {"ending, then starting at it: directions kept", false, true, {0, 1, 10000, 10001, 10002, 10003}},
         {"both starting at it: the first is reversed", true, true, {2, 1, 10000, 10001, 10002, 10003}},
         {"both ending at it: the second is reversed", false, false, {0, 1, 10003, 10002, 10001, 10000}},
     };
