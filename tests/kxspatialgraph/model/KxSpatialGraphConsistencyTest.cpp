@@ -59,20 +59,16 @@ std::vector<BrokenGraphCase> brokenGraphCases() {
              g.setVertexCoords(2, Vec3f(2, 1, 0));
          },
          {"Error: Edge 0 has 1 points. Should be at least 2.",
-          "Error: target vertex 1 coordinates (1.00000, 0.00000, 0.00000) of edge 0 do not equal point "
-          "coords "
-          "(0.00000, 0.00000, 0.00000)",
-          "Error: target vertex 2 coordinates (2.00000, 1.00000, 0.00000) of edge 1 do not equal point "
-          "coords "
-          "(2.00000, 0.00000, 0.00000)"}},
+          "Error: target vertex 1 coordinates (1.00000, 0.00000, 0.00000) of edge 0 do not equal "
+          "point coords (0.00000, 0.00000, 0.00000)",
+          "Error: target vertex 2 coordinates (2.00000, 1.00000, 0.00000) of edge 1 do not equal "
+          "point coords (2.00000, 0.00000, 0.00000)"}},
         {"moved vertex",
          [](KxSpatialGraph& g) { g.setVertexCoords(1, Vec3f(1, 0.5f, 0)); },
-         {"Error: target vertex 1 coordinates (1.00000, 0.50000, 0.00000) of edge 0 do not equal point "
-          "coords "
-          "(1.00000, 0.00000, 0.00000)",
-          "Error: source vertex 1 coordinates (1.00000, 0.50000, 0.00000) of edge 1 do not equal point "
-          "coords "
-          "(1.00000, 0.00000, 0.00000)"}},
+         {"Error: target vertex 1 coordinates (1.00000, 0.50000, 0.00000) of edge 0 do not equal "
+          "point coords (1.00000, 0.00000, 0.00000)",
+          "Error: source vertex 1 coordinates (1.00000, 0.50000, 0.00000) of edge 1 do not equal "
+          "point coords (1.00000, 0.00000, 0.00000)"}},
         {"vertex moved within the tolerance",
          [](KxSpatialGraph& g) { g.setVertexCoords(1, Vec3f(1, 0.00009f, 0)); },
          {}},
