@@ -35,7 +35,7 @@ def test_file_round_trip_keeps_every_array(neuron, tmp_path, suffix, fmt):
     assert again.label_groups == neuron.label_groups
 
 
-def test_arrays_follow_the_swc_records(neuron):
+def test_arrays_and_label_groups_follow_the_swc_records(neuron):
     assert neuron.vertices.shape == (neuron.num_vertices, 3) and neuron.vertices.dtype == np.float32
     assert neuron.edges.shape == (neuron.num_edges, 2) and neuron.edges.dtype == np.int32
     assert neuron.offsets[0] == 0 and neuron.offsets[-1] == len(neuron.points)
@@ -46,9 +46,7 @@ def test_arrays_follow_the_swc_records(neuron):
     np.testing.assert_array_equal(neuron.edge_points(-1), neuron.points[neuron.offsets[-2]:])
     assert neuron.point_attributes["thickness"].dtype == np.float32
     assert neuron.point_attributes["Topology"].shape == (neuron.num_points,)
-
-
-def test_label_groups_are_nested_dicts(neuron):
+    # Label groups are nested dicts.
     topology = neuron.label_groups["Topology"]
     assert topology["name"] == "Topology" and topology["id"] == 0
     assert topology["color"] == pytest.approx((0.8, 0.8, 0.8))

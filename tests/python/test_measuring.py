@@ -22,15 +22,12 @@ def test_lengths_and_box_of_the_y():
     np.testing.assert_array_equal(y.bounding_box(), [[0, -5, 0], [20, 5, 0]])
 
 
-def test_components_number_every_vertex_and_edge():
-    found = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE).components()
+def test_components_trees_and_loops():
+    graph = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE)
+    found = graph.components()
     assert found["count"] == 2
     np.testing.assert_array_equal(found["vertex"], [0, 0, 0, 1, 1])
     np.testing.assert_array_equal(found["edge"], [0, 0, 0, 1])
-
-
-def test_trees_and_loops():
-    graph = kxspatialgraph.from_arrays(**TRIANGLE_AND_EDGE)
     trees = graph.trees()
     assert [list(t) for t in trees["trees"]] == [[0, 1, 2], [3]]
     np.testing.assert_array_equal(trees["tree"], [0, 0, 0, 1])
