@@ -40,9 +40,29 @@ protected:
 
 }  // namespace
 
-TEST_F(KxSpatialGraphCommandsTest, MergeAppendsTheNamedGraphAndFires) {
+TEST_F(KxSpatialGraphCommandsTest, MergeRefusesWrongCallsThenAppendsTheNamedGraphAndFires) {
     KxSpatialGraph* g = add(makeChain(3), "chain");
     add(makeY(), "y");
+    theObjectPool->add(new KxData, "plain");
+    GraphSnapshot before = takeSnapshot(*g);
+    const struct {
+        const char* script;
+        const char* line;
+    } cases[] = {
+        {"chain merge", "USAGE: merge otherDataSet"},
+        {"chain merge y chain", "USAGE: merge otherDataSet"},
+        {"chain merge nothing", "Data sets must be of same type"},
+        {"chain merge plain", "Data sets must be of same type"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.script);
+        KxMessageCapture capture;
+        error(c.script);
+        EXPECT_EQ(capture.lines(), Lines{c.line});
+        EXPECT_TRUE(sameGraph(before, *g));
+    }
+    EXPECT_TRUE(fired_.empty());
+
     ok("chain merge y");
     EXPECT_EQ(g->getNumVertices(), 7);
     EXPECT_EQ(g->getNumEdges(), 5);
@@ -50,31 +70,6 @@ TEST_F(KxSpatialGraphCommandsTest, MergeAppendsTheNamedGraphAndFires) {
     expectConsistent(*g);
     EXPECT_EQ(fired_, (std::vector<unsigned int>{KxData::ALL_PARTS}));
     EXPECT_TRUE(g->isModified());
-}
-
-TEST_F(KxSpatialGraphCommandsTest, MergeRefusesWrongCallsAndChangesNothing) {
-    KxSpatialGraph* g = add(makeChain(3), "chain");
-    theObjectPool->add(new KxData, "plain");
-    GraphSnapshot before = takeSnapshot(*g);
-
-    struct Case {
-        const char* script;
-        Lines lines;
-    };
-    const Case cases[] = {
-        {"chain merge", {"USAGE: merge otherDataSet"}},
-        {"chain merge y chain", {"USAGE: merge otherDataSet"}},
-        {"chain merge nothing", {"Data sets must be of same type"}},
-        {"chain merge plain", {"Data sets must be of same type"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.script);
-        KxMessageCapture capture;
-        error(c.script);
-        EXPECT_EQ(capture.lines(), c.lines);
-        EXPECT_TRUE(sameGraph(before, *g));
-    }
-    EXPECT_TRUE(fired_.empty());
 }
 
 TEST_F(KxSpatialGraphCommandsTest, ApplyTransformWarnsAboutExtraArgumentsAndFires) {
