@@ -70,10 +70,14 @@ private:
     KxSpatialGraphSelectionInterfaceImpl interface_;
 };
 
-std::string column(const KxSpreadSheet::Table& table, int c) {
+// The given columns' texts, rows joined by "," and columns by " | ".
+std::string columns(const KxSpreadSheet::Table& table, std::initializer_list<int> which) {
     std::string text;
-    for (int r = 0; r < table.getNumRows(); ++r) {
-        text += (r ? "," : "") + table.getText(c, r);
+    for (int c : which) {
+        text += text.empty() ? "" : " | ";
+        for (int r = 0; r < table.getNumRows(); ++r) {
+            text += (r ? "," : "") + table.getText(c, r);
+        }
     }
     return text;
 }
@@ -117,24 +121,17 @@ TEST_F(KxSpatialGraphStatsTest, SegmentAndLabelTablesWithUnlabeledRowAndWithoutE
     EXPECT_STREQ(segments.getName(), "Segment Statistics");
     ASSERT_EQ(segments.getNumColumns(), 5);
     EXPECT_STREQ(segments.getColumnName(4), "Region");
-    EXPECT_EQ(column(segments, 0), "0,1,2");
-    EXPECT_EQ(column(segments, 1), "2,3,3");
-    EXPECT_EQ(column(segments, 2), "1,2,2");
+    EXPECT_EQ(columns(segments, {0, 1, 2, 4}), "0,1,2 | 2,3,3 | 1,2,2 | axon,<unlabeled>,axon");
     const float volumes[] = {2 * kPi, 15 * kPi, 12 * kPi};  // truncated cones
     for (int r = 0; r < 3; ++r) {
         EXPECT_NEAR(segments.getFloat(3, r), volumes[r], 1e-4f) << r;
     }
-    EXPECT_EQ(column(segments, 4), "axon,<unlabeled>,axon");
 
     const KxSpreadSheet::Table& labels = *sheet->getTable(1);
     EXPECT_STREQ(labels.getName(), "Region");
-    EXPECT_EQ(column(labels, 0), "<unlabeled>,axon");
-    EXPECT_EQ(column(labels, 1), "3,2.5");
-    EXPECT_EQ(column(labels, 2), "2,1.5");
-    EXPECT_EQ(column(labels, 3), "3,5");
+    EXPECT_EQ(columns(labels, {0, 1, 2, 3, 5}), "<unlabeled>,axon | 3,2.5 | 2,1.5 | 3,5 | 1,2");
     EXPECT_NEAR(labels.getFloat(4, 0), 15 * kPi, 1e-4f);
     EXPECT_NEAR(labels.getFloat(4, 1), 14 * kPi, 1e-4f);
-    EXPECT_EQ(column(labels, 5), "1,2");
     // The second press reused and cleared the same spreadsheet.
     EXPECT_EQ(theObjectPool->find("cell.statistics"), sheet);
 }
@@ -148,9 +145,8 @@ TEST_F(KxSpatialGraphStatsTest, PartialSelectionReadsLabelsFromTheFirstEdges) {
     ASSERT_TRUE(stats_->portSelection.connect(holder));
     KxSpreadSheet* sheet = run();
     ASSERT_NE(sheet, nullptr);
-    EXPECT_EQ(column(*sheet->getTable(0), 0), "1,2");
     // Edge 1 shows edge 0's label, edge 2 edge 1's.
-    EXPECT_EQ(column(*sheet->getTable(0), 4), "axon,<unlabeled>");
+    EXPECT_EQ(columns(*sheet->getTable(0), {0, 4}), "1,2 | axon,<unlabeled>");
 }
 
 TEST_F(KxSpatialGraphStatsTest, WithoutLabelsOnlyTheSegmentTable) {
