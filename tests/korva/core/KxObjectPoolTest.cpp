@@ -30,18 +30,14 @@ std::vector<std::string> labels(const KxObjectPool& pool) {
 
 TEST(KxObjectPoolTest, ClashingLabelsGetNumbersBeforeTheExtension) {
     KxObjectPool pool;
-    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree.swc");
-    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree2.swc");
-    EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree3.swc");
+    for (const char* label : {"tree.swc", "tree.swc", "tree.swc", "tree2.swc", "graph", "graph", ".hidden",
+                              ".hidden", "", static_cast<const char*>(nullptr)}) {
+        pool.add(new KxData, label);
+    }
     // A label that already ends in digits continues the count instead of appending.
-    EXPECT_STREQ(pool.add(new KxData, "tree2.swc"), "tree4.swc");
-    EXPECT_STREQ(pool.add(new KxData, "graph"), "graph");
-    EXPECT_STREQ(pool.add(new KxData, "graph"), "graph2");
-    // Leading dots and empty labels.
-    EXPECT_STREQ(pool.add(new KxData, ".hidden"), ".hidden");
-    EXPECT_STREQ(pool.add(new KxData, ".hidden"), ".hidden2");
-    EXPECT_STREQ(pool.add(new KxData, ""), "Data");
-    EXPECT_STREQ(pool.add(new KxData, nullptr), "Data2");
+    EXPECT_EQ(labels(pool),
+              (std::vector<std::string>{"tree.swc", "tree2.swc", "tree3.swc", "tree4.swc", "graph", "graph2",
+                                        ".hidden", ".hidden2", "Data", "Data2"}));
     // A freed label is given out again.
     ASSERT_TRUE(pool.remove("tree2.swc"));
     EXPECT_STREQ(pool.add(new KxData, "tree.swc"), "tree2.swc");
