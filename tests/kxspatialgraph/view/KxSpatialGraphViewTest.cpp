@@ -237,7 +237,7 @@ TEST_F(KxSpatialGraphViewTest, VisibilityCommandsRoundTripAndAreSaved) {
     evalError(tcl_, "V setVisibility onlyOne");
 }
 
-TEST_F(KxSpatialGraphViewTest, SetLineWidthNeedsOneNumber) {
+TEST_F(KxSpatialGraphViewTest, SetLineWidthAndStatisticsRowsSetTheView) {
     KxSpatialGraphView* view = show(makeTwoLines());
     for (const char* wrong : {"V setLineWidth", "V setLineWidth wide", "V setLineWidth 1 2"}) {
         SCOPED_TRACE(wrong);
@@ -249,10 +249,8 @@ TEST_F(KxSpatialGraphViewTest, SetLineWidthNeedsOneNumber) {
     evalOk(tcl_, "V setLineWidth 3");
     EXPECT_FLOAT_EQ(view->portSegmentWidth.getValue(), 3.0f);
     EXPECT_FLOAT_EQ(view->getNode()->getLineWidth(), 3.0f);
-}
 
-TEST_F(KxSpatialGraphViewTest, SelectedStatisticsRowsAreHighlightedOnce) {
-    KxSpatialGraphView* view = show(makeTwoLines());
+    // Selected rows of a statistics sheet are highlighted once.
     auto* sheet = new KxSpreadSheet;
     KxSpreadSheet::Table* segments = sheet->addTable("Segment Statistics");
     int id = segments->addColumn("Segment ID", KxSpreadSheet::INT);
@@ -328,7 +326,7 @@ TEST_F(KxSpatialGraphViewTest, ViewerClicksReachTheViewAndTheDistanceModule) {
 // ---------------------------------------------------------------------------
 // Pictures
 
-TEST_F(KxSpatialGraphViewTest, TubesShowLabelColoursColormapEndsAndHighlights) {
+TEST_F(KxSpatialGraphViewTest, TubesAndLinesShowLabelColoursColormapEndsAndHighlights) {
     KxSpatialGraphView* view = show(makeTwoLines());
     static const float ramp[] = {0, 0, 1, 1, 1, 0, 0, 1};
     auto* blueToRed = new KxColormap(2, ramp, 0.0f, 1.0f);
@@ -356,17 +354,15 @@ TEST_F(KxSpatialGraphViewTest, TubesShowLabelColoursColormapEndsAndHighlights) {
     render(view, renderer);
     EXPECT_TRUE(pixelHue(renderer, pixelColumn(0), pixelRow(2), SbColor(1, 0, 0), why)) << why;
     EXPECT_TRUE(pixelHue(renderer, pixelColumn(0), pixelRow(-2), SbColor(0, 0, 1), why)) << why;
-}
 
-TEST_F(KxSpatialGraphViewTest, LinesShowLabelColoursAndHighlights) {
-    KxSpatialGraphView* view = show(makeTwoLines());
-    evalOk(tcl_, "V itemsToShow setValue 0 0; V segmentWidth setValue 5; V segmentColoring setValue 1");
-    SpatialGraphSelection highlighted(4, 2);
+    // Lines, by label, with edge 1 highlighted.
+    evalOk(tcl_,
+           "V segmentStyle setValue 2 0; V segmentStyle setValue 0 1; V segmentWidth setValue 5;"
+           "V segmentColoring setValue 1");
+    highlighted.deselectAllEdges();
     highlighted.selectEdge(1);
     view->setHighlightedSelection(highlighted);
-    KxOffscreenRenderer renderer(100, 100);
     render(view, renderer);
-    std::string why;
     EXPECT_TRUE(pixelNear(renderer, pixelColumn(0), pixelRow(2), SbColor(0, 1, 0), 10, why)) << why;
     EXPECT_TRUE(pixelNear(renderer, pixelColumn(0), pixelRow(-2), SbColor(1, 0, 0), 10, why)) << why;
 }
