@@ -87,7 +87,7 @@ struct TubeScene {
 
 }  // namespace
 
-TEST(SoTubeSetRenderTest, ConstantColourAndTubeWidth) {
+TEST(SoTubeSetRenderTest, ConstantColourTubeWidthAndPointAttributeColours) {
     TubeScene scene;
     KxOffscreenRenderer renderer(100, 100);
     ASSERT_TRUE(renderer.render(scene.root));
@@ -105,12 +105,9 @@ TEST(SoTubeSetRenderTest, ConstantColourAndTubeWidth) {
     scene.tubes->touch();
     ASSERT_TRUE(renderer.render(scene.root));
     EXPECT_HUE(renderer, -2.0f, 3.3f, kYellow);  // 1.3 from the axis, within 3 × 0.5
-}
 
-TEST(SoTubeSetRenderTest, PointAttributeRunsAlongTheColormap) {
-    TubeScene scene;
+    // Colours by a point attribute run along the colormap.
     scene.colourByPoints();
-    KxOffscreenRenderer renderer(100, 100);
     ASSERT_TRUE(renderer.render(scene.root));
     EXPECT_HUE(renderer, -3.7f, 2.0f, kBlue);  // value near 0
     EXPECT_HUE(renderer, 3.7f, 2.0f, kRed);    // value near 10
@@ -125,7 +122,7 @@ TEST(SoTubeSetRenderTest, PointAttributeRunsAlongTheColormap) {
     EXPECT_HUE(renderer, 0.0f, -2.0f, kBlue);
 }
 
-TEST(SoTubeSetRenderTest, HighlightColourInConstantAndColormapModes) {
+TEST(SoTubeSetRenderTest, HighlightColourAndHiddenTubes) {
     TubeScene scene;
     scene.tubes->setHighlightColor(kGreen);
     scene.tubes->highlighted.set1Value(1, 1);
@@ -140,17 +137,14 @@ TEST(SoTubeSetRenderTest, HighlightColourInConstantAndColormapModes) {
     EXPECT_HUE(renderer, 3.7f, 2.0f, kRed);
     EXPECT_HUE(renderer, 0.0f, -2.0f, kGreen);
     EXPECT_HUE(renderer, 3.0f, 0.0f, kGreen);  // highlighted cap
-}
 
-TEST(SoTubeSetRenderTest, ClearedVisibleBitHidesTubeAndCaps) {
-    TubeScene scene;
+    // A cleared visible bit hides tube and caps.
     scene.tubes->visible.set1Value(0, 0);
     scene.tubes->visible.set1Value(2, 0);
-    KxOffscreenRenderer renderer(100, 100);
     ASSERT_TRUE(renderer.render(scene.root));
     EXPECT_BACKGROUND(renderer, 0.0f, 2.0f);
     EXPECT_BACKGROUND(renderer, 3.0f, 0.0f);
-    EXPECT_HUE(renderer, 0.0f, -2.0f, kYellow);
+    EXPECT_HUE(renderer, 0.0f, -2.0f, kGreen);
 
     // Without caps the axial tube is seen edge-on: nothing at its centre.
     scene.tubes->visible.set1Value(2, 1);
