@@ -62,7 +62,7 @@ protected:
 
 }  // namespace
 
-TEST_F(KxTclInterpreterTest, PoolObjectsAreCommandsThatFollowTheirLabels) {
+TEST_F(KxTclInterpreterTest, PoolObjectsAreCommandsThatFollowTheirLabelsButNeverHideTclCommands) {
     KxData* d = new EchoData;
     pool_.add(d, "my graph");
     EXPECT_EQ(ok("{my graph} echo a {b c}"), "my graph a b c");
@@ -77,9 +77,7 @@ TEST_F(KxTclInterpreterTest, PoolObjectsAreCommandsThatFollowTheirLabels) {
     EXPECT_EQ(error("e frobnicate"),
               "Error: Object e has no command \"frobnicate\"; \"{e} help\" lists its commands.");
     EXPECT_EQ(error("e"), "USAGE: {e} command ?args?");
-}
-
-TEST_F(KxTclInterpreterTest, LabelsNeverHideTclCommands) {
+    // Labels never hide Tcl commands.
     EXPECT_STREQ(pool_.add(new EchoData, "set"), "set2");
     EXPECT_STREQ(pool_.add(new EchoData, "load"), "load2");
     EXPECT_EQ(ok("set x 5"), "5");
