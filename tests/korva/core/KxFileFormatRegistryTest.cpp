@@ -122,14 +122,12 @@ protected:
 }  // namespace
 
 // What each entry holds shows in which reader and writer are chosen below.
-TEST_F(KxFileFormatRegistryTest, EntriesAreFoundByNameOrExtension) {
+TEST_F(KxFileFormatRegistryTest, EntriesByNameOrExtensionReadersByContentTypeThenCheckThenExtension) {
     ASSERT_NE(registry_.find("text"), nullptr);
     EXPECT_EQ(registry_.find("text")->package, "test");
     EXPECT_EQ(registry_.find("MAG"), registry_.find("Magic"));
     EXPECT_EQ(registry_.find("nothing"), nullptr);
-}
 
-TEST_F(KxFileFormatRegistryTest, ReaderIsChosenByContentTypeThenCheckThenExtension) {
     EXPECT_EQ(readerFor("a.txt", "hello"), "Text");
     EXPECT_EQ(readerFor("a.TXT", "hello"), "Text");
     EXPECT_EQ(readerFor("a.text", "hello"), "Text");
