@@ -206,13 +206,12 @@ TEST_F(KorvaTest, RunsPrintExactlyTheirOutputAndExitWithTheirCode) {
     }
     EXPECT_EQ(readFileBytes(dir_.path("copy.note")), "KXNOTE\nbuy milk");
     EXPECT_EQ(readFileBytes(dir_.path("cell.csv")), stats);
-}
 
-TEST_F(KorvaTest, HelpListsThePackagesFormatsAndOnlyClassesThatCreateCanMake) {
+    // Help lists the package's formats and only classes that create can make.
     KorvaRun help = korva({"-c", "help"}, "", true);
     EXPECT_NE(help.out.find("  Test note (.note read write)\n"), std::string::npos) << help.out;
     EXPECT_NE(help.out.find("  KxTestNote\n"), std::string::npos) << help.out;
-    // Only classes that create can make: no interfaces, no abstract bases.
+    // No interfaces, no abstract bases.
     EXPECT_EQ(help.out.find("Interface"), std::string::npos) << help.out;
     EXPECT_EQ(help.out.find("  KxObject\n"), std::string::npos) << help.out;
 }
