@@ -235,7 +235,7 @@ TEST(SpatialGraphViewNodeTest, SphereRadiiAndHighlightsFollowVertices) {
     EXPECT_EQ(spheres->highlighted.countSet(), 0);
 }
 
-TEST(SpatialGraphViewNodeTest, TubeSetGetsEveryEdgeAndTheVisibleBits) {
+TEST(SpatialGraphViewNodeTest, TubeSetGetsEveryEdgeAndTheVisibleBitsLegacyTubesTheVisibleEdges) {
     ChainView view;
     view.visible.selectEdge(1);
     view.highlighted.selectEdge(1);
@@ -266,18 +266,16 @@ TEST(SpatialGraphViewNodeTest, TubeSetGetsEveryEdgeAndTheVisibleBits) {
     // The tube set stays when the tubes are removed, ready for the next makeGpuTubes.
     view.node.removeGpuTubes();
     EXPECT_EQ(view.node.getTubeSet(), tubes);
-}
 
-TEST(SpatialGraphViewNodeTest, LegacyTubesRingTheVisibleEdges) {
-    ChainView view;
+    // Legacy tubes ring the visible edges 0, 1 and 2.
     view.visible.selectEdge(0);
     view.visible.selectEdge(2);
     view.node.makeLegacyTubes(&view.visible, nullptr, nullptr, 2.0f, false);
     SoSeparator* legacy = view.node.getLegacyTubeSeparator();
     ASSERT_EQ(legacy->getNumChildren(), 8);
     auto* faces = static_cast<SoIndexedFaceSet*>(legacy->getChild(7));
-    // Edge 0 has 2 points, edge 2 has 4: (1 + 3) ring gaps × 12 quads of 5 indices.
-    EXPECT_EQ(faces->coordIndex.getNum(), (1 + 3) * 12 * 5);
+    // Edges 0, 1, 2 have 2, 3, 4 points: (1 + 2 + 3) ring gaps × 12 quads of 5 indices.
+    EXPECT_EQ(faces->coordIndex.getNum(), (1 + 2 + 3) * 12 * 5);
     // Remaking replaces, never adds.
     view.node.makeLegacyTubes(&view.visible, nullptr, nullptr, 2.0f, false);
     EXPECT_EQ(legacy->getNumChildren(), 8);
