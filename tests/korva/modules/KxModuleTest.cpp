@@ -124,7 +124,7 @@ protected:
     KxTclInterpreter tcl_;
 };
 
-TEST_F(KxModuleTest, PortsAnswerTheValuesSetFromTheConsole) {
+TEST_F(KxModuleTest, PortsAnswerTheValuesSetFromTheConsoleAndRefuseBadCalls) {
     evalOk(tcl_, "create ScaleModule M");
     struct Case {
         const char* set;
@@ -144,10 +144,7 @@ TEST_F(KxModuleTest, PortsAnswerTheValuesSetFromTheConsole) {
         evalOk(tcl_, c.set);
         EXPECT_EQ(evalOk(tcl_, c.get), c.expected);
     }
-}
-
-TEST_F(KxModuleTest, BadPortCallsFailWithOneLine) {
-    evalOk(tcl_, "create ScaleModule M");
+    // Bad port calls fail with one line.
     const char* scripts[] = {"M options setValue 2 1",    "M mode setValue 3",  "M factor setValue abc",
                              "M colors setValue 0 2 0 0", "M info setValue x",  "M line getValue",
                              "M data connect nothing",    "M fields setValue 0"};
