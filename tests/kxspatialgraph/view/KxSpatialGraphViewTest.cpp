@@ -138,7 +138,7 @@ TEST_F(KxSpatialGraphViewTest, PortsInCreationOrder) {
         "segmentColoring segmentLabelColoringOptions segmentColormap segmentColor pointSize Statistics ");
 }
 
-TEST_F(KxSpatialGraphViewTest, NewGraphShowsEverythingAndBoundsTheNodeScale) {
+TEST_F(KxSpatialGraphViewTest, NewGraphShowsEverythingBoundsTheNodeScaleAndSetsTheRangeSets) {
     KxSpatialGraphView* view = show(makeTwoLines());  // largest extent 8: s = 0.8
     EXPECT_EQ(view->getVisibleSelection().getNumSelectedVertices(), 4);
     EXPECT_EQ(view->getVisibleSelection().getNumSelectedEdges(), 2);
@@ -160,6 +160,17 @@ TEST_F(KxSpatialGraphViewTest, NewGraphShowsEverythingAndBoundsTheNodeScale) {
     view->fire();
     EXPECT_FLOAT_EQ(view->portNodeScaleFactor.getValue(), 0.8f);
     EXPECT_EQ(view->getVisibleSelection().getNumSelectedEdges(), 2);
+
+    // The current range set of the colormap ports.
+    const KxRangeSetModuleImpl& impl = view->getRangeSetModuleImpl();
+    EXPECT_EQ(impl.getCurrentSet(nullptr, &view->portNodeColormap), -1);
+    KxSpatialGraph other;
+    EXPECT_EQ(impl.getCurrentSet(&other, &view->portNodeColormap), -1);
+    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColormap), -4) << "at Constant";
+    evalOk(tcl_, "V nodeColoring setValue 1; V segmentColoring setValue 2");
+    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColormap), 4);
+    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portSegmentColormap), 9);
+    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColor), 10) << "another port counts as 2";
 }
 
 TEST_F(KxSpatialGraphViewTest, MenusListAttributesAndPortsFollowTheChoices) {
@@ -199,19 +210,6 @@ TEST_F(KxSpatialGraphViewTest, MenusListAttributesAndPortsFollowTheChoices) {
     graph_->fire();
     EXPECT_STREQ(view->portSegmentColoring.getItemLabel(view->portSegmentColoring.getValue()), "Value")
         << "the choice is kept by its label";
-}
-
-TEST_F(KxSpatialGraphViewTest, CurrentRangeSetOfTheColormapPorts) {
-    KxSpatialGraphView* view = show(makeTwoLines());
-    const KxRangeSetModuleImpl& impl = view->getRangeSetModuleImpl();
-    EXPECT_EQ(impl.getCurrentSet(nullptr, &view->portNodeColormap), -1);
-    KxSpatialGraph other;
-    EXPECT_EQ(impl.getCurrentSet(&other, &view->portNodeColormap), -1);
-    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColormap), -4) << "at Constant";
-    evalOk(tcl_, "V nodeColoring setValue 1; V segmentColoring setValue 2");
-    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColormap), 4);
-    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portSegmentColormap), 9);
-    EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColor), 10) << "another port counts as 2";
 }
 
 TEST_F(KxSpatialGraphViewTest, VisibilityCommandsRoundTripAndAreSaved) {
