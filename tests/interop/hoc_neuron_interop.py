@@ -3,7 +3,7 @@
 branching neuron (and loads and saves it from the console); NEURON must see
 in each export the original's sections, 3-D points, diameters, roots and, for
 every child, the point it is attached at and which of its ends is attached.
-Usage: hoc_neuron_interop.py KORVA SOURCE_DIR WORK_DIR"""
+Usage: hoc_neuron_interop.py KORVA WORK_DIR"""
 import json
 import os
 import random
@@ -48,7 +48,6 @@ def write_neuron(path, rng=random.Random(7)):
 
 def run(*command):
     env = dict(os.environ, NEURON_MODULE_OPTIONS="-nogui")
-    env.setdefault("LSAN_OPTIONS", "suppressions=%s/scripts/lsan.supp:print_suppressions=0" % sys.argv[2])
     return subprocess.run(command, env=env, capture_output=True, text=True)
 
 
@@ -58,7 +57,7 @@ def neuron_view(path):
 
 
 def main():
-    korva, work = sys.argv[1], sys.argv[3]
+    korva, work = sys.argv[1], sys.argv[2]
     os.makedirs(work, exist_ok=True)
     os.chdir(work)
     count = write_neuron("neuron.hoc")

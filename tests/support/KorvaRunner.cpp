@@ -28,12 +28,6 @@ KorvaRun runKorva(const std::vector<std::string>& args, const KorvaRunOptions& o
         command += "cd " + quote(options.workingDir) + " && ";
     }
     std::vector<std::string> settings = options.environment;
-    // In a sanitizer build korva's leak check must ignore third-party
-    // libraries as scripts/test tells it to, also when ctest runs alone.
-    if (!std::getenv("LSAN_OPTIONS")) {
-        settings.push_back("LSAN_OPTIONS=suppressions=" KORVA_SOURCE_DIR
-                           "/scripts/lsan.supp:print_suppressions=0");
-    }
     if (options.testPackage) {
         settings.push_back("KORVA_PACKAGE_PATH=" KORVA_TEST_PACKAGE_DIR);
         settings.push_back("KORVA_PACKAGES=kxtestpackage");

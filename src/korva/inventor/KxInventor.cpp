@@ -17,11 +17,3 @@ void KxInventor::init() {
         SoSphereSet::initClass();
     });
 }
-
-// Coin keeps a few objects from SoDB::init() for the life of the process (the
-// global "realTime" field, ...). LeakSanitizer finds these suppressions in any
-// loaded library, so every program that starts Coin through the host (tests,
-// the korva executable) is spared those reports in sanitizer builds.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libCoin.so\n";
-}

@@ -282,7 +282,6 @@ TEST(KorvaConsoleTest, OnATerminalTheConsolePromptsAndPrintsResults) {
     ASSERT_GE(pid, 0);
     if (pid == 0) {
         std::string korva = std::string(KORVA_BINARY_DIR) + "/bin/korva";
-        setenv("LSAN_OPTIONS", "suppressions=" KORVA_SOURCE_DIR "/scripts/lsan.supp:print_suppressions=0", 0);
         execl(korva.c_str(), "korva", static_cast<char*>(nullptr));
         _exit(127);
     }
