@@ -8,22 +8,9 @@
 #include <cerrno>
 #include <cstring>
 
-namespace {
+#include "korva/base/HugePages.h"
 
-// A page-aligned buffer for a whole file. Large buffers ask for transparent
-// huge pages: filling a fresh buffer of hundreds of megabytes page by page
-// costs more than copying the file into it.
-std::shared_ptr<char> allocateFileBuffer(size_t size) {
-    size_t length = size + 1;
-    void* p = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (p == MAP_FAILED) {
-        return nullptr;
-    }
-    if (length >= (size_t(1) << 21)) {
-        ::madvise(p, length, MADV_HUGEPAGE);
-    }
-    return std::shared_ptr<char>(static_cast<char*>(p), [length](char* q) { ::munmap(q, length); });
-}
+namespace {
 
 // The file mapped read-only, its pages entered at once; null if it cannot be
 // mapped. Deliberate: a mapped file that another program truncates while we
@@ -43,11 +30,12 @@ std::shared_ptr<char> mapFile(int fd, size_t size) {
 
 // Reads the whole file with read(), for files that cannot be mapped.
 bool readWholeFile(int fd, size_t size, std::shared_ptr<char>& contents, std::string& error) {
-    contents = allocateFileBuffer(size);
+    contents = HugePages::allocate(size + 1);
     if (!contents) {
         error = "not enough memory for " + std::to_string(size) + " bytes";
         return false;
     }
+    contents.get()[size] = '\0';
     size_t done = 0;
     while (done < size) {
         ssize_t n = ::read(fd, contents.get() + done, size - done);

@@ -70,7 +70,7 @@ KorvaMesh::Data* KorvaMesh::createData(const char* name, const Location* locatio
 }
 
 KorvaMesh::Data* KorvaMesh::createOwnedData(const char* name, const Location* location, PrimType type,
-                                            int components, std::unique_ptr<char[]> values) {
+                                            int components, std::shared_ptr<char> values) {
     Data* data = createData(name, location, type, components, values.get());
     if (data) {
         data->owned_ = std::move(values);

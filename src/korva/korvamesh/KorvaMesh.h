@@ -64,7 +64,7 @@ public:
         PrimType type_;
         int components_;
         const void* values_;
-        std::unique_ptr<char[]> owned_;
+        std::shared_ptr<char> owned_;
         bool compressed_ = false;
     };
 
@@ -89,7 +89,7 @@ public:
                      const void* values);
     // As above, but the mesh takes a buffer of getNumBytes() bytes, which it owns.
     Data* createOwnedData(const char* name, const Location* location, PrimType type, int components,
-                          std::unique_ptr<char[]> values);
+                          std::shared_ptr<char> values);
 
     // The array of that name in that location with that type and component
     // count, or null.

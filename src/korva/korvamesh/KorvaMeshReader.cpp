@@ -383,7 +383,7 @@ bool KorvaMeshReader::parseArray() {
     return true;
 }
 
-bool KorvaMeshReader::addArray(const ArrayEntry& entry, const void* values, std::unique_ptr<char[]> owned) {
+bool KorvaMeshReader::addArray(const ArrayEntry& entry, const void* values, std::shared_ptr<char> owned) {
     const KorvaMesh::Location* location = mesh_.findLocation(entry.location.c_str());
     KorvaMesh::Data* data =
         owned ? mesh_.createOwnedData(entry.name.c_str(), location, entry.type, entry.components,
@@ -415,11 +415,13 @@ bool KorvaMeshReader::readBinaryData() {
         offset += static_cast<size_t>(e.storedBytes);
         const size_t typeSize = static_cast<size_t>(e.type.getSize());
         const size_t bytes = static_cast<size_t>(e.numValues) * typeSize;
-        std::unique_ptr<char[]> owned;
+        std::shared_ptr<char> owned;
         if (e.compressed) {
-            if (!readCompressed(e, src, owned)) {
+            std::unique_ptr<char[]> inflated;
+            if (!readCompressed(e, src, inflated)) {
                 return false;
             }
+            owned.reset(inflated.release(), std::default_delete<char[]>());
         } else {
             bool aligned = reinterpret_cast<uintptr_t>(src) % typeSize == 0;
             if (inPlace_ && aligned && !swap) {
@@ -428,7 +430,7 @@ bool KorvaMeshReader::readBinaryData() {
                 }
                 continue;
             }
-            owned.reset(new (std::nothrow) char[bytes + 1]);
+            owned = HugePages::allocate(bytes + 1);
             if (!owned) {
                 return fail("not enough memory for the %zu bytes of array \"%s\".", bytes,
                             printable(e.name).c_str());
@@ -544,12 +546,11 @@ bool KorvaMeshReader::readAsciiData() {
                         static_cast<unsigned long long>(left));
         }
         const size_t bytes = static_cast<size_t>(e.numValues) * static_cast<size_t>(e.type.getSize());
-        std::unique_ptr<char[]> owned(new (std::nothrow) char[bytes + 1]);
+        std::shared_ptr<char> owned = HugePages::allocate(bytes + 1);
         if (!owned) {
             return fail("not enough memory for the %zu bytes of array \"%s\".", bytes,
                         printable(e.name).c_str());
         }
-        HugePages::advise(owned.get(), bytes + 1);
         bool ok = false;
         KorvaMeshFormat::visitType(e.type, [&](auto* type) {
             ok = parseAsciiValues(e, reinterpret_cast<decltype(type)>(owned.get()));

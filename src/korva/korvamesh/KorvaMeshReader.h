@@ -55,7 +55,7 @@ private:
     bool readAsciiData();
     template <class T>
     bool parseAsciiValues(const ArrayEntry& entry, T* out);
-    bool addArray(const ArrayEntry& entry, const void* values, std::unique_ptr<char[]> owned);
+    bool addArray(const ArrayEntry& entry, const void* values, std::shared_ptr<char> owned);
 
     KxTextScanner::Token next(std::string& value);
     void skipBlanks();
