@@ -2,6 +2,9 @@
 
 #include <zlib.h>
 
+#include <cstring>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "korva/core/KxMessageCapture.h"
@@ -255,3 +258,18 @@ TEST(KorvaMeshReaderTest, ReadsFilesInPlaceAndReportsMissingFiles) {
 }
 
 }  // namespace
+
+// Arrays of megabytes get buffers of their own, which small meshes never reach.
+TEST(KorvaMeshReaderTest, ReadsArraysOfSeveralMegabytes) {
+    std::vector<int> values(700001);
+    for (size_t i = 0; i < values.size(); ++i) {
+        values[i] = static_cast<int>(i * 7919 % 1000003) - 500000;
+    }
+    KorvaMesh mesh;
+    mesh.createData("a", mesh.createLocation("L", values.size()), PrimType::INT32, 1, values.data());
+    for (bool ascii : {true, false}) {
+        std::unique_ptr<KorvaMesh> read = expectAccepted(fileOf(mesh, ascii, false));
+        ASSERT_TRUE(read) << ascii;
+        EXPECT_EQ(std::memcmp(read->getData(0)->getValues(), values.data(), values.size() * 4), 0) << ascii;
+    }
+}
