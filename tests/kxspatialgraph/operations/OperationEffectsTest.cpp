@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include "korva/core/KxMessageCapture.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
+#include "kxspatialgraph/operations/ReplaceOperation.h"
 #include "kxspatialgraph/operations/SmoothOperation.h"
 #include "kxspatialgraph/operations/VertexToPointOperation.h"
 #include "support/GraphComparison.h"
@@ -112,4 +114,16 @@ TEST(OperationEffectsTest, VertexToPointJoinsPolylinesAndValuesTowardsTheFarEnds
         op.undo();
         EXPECT_TRUE(sameGraph(before, g));
     }
+}
+
+TEST(OperationEffectsTest, AnEdgeJustPastTheLastIsRefusedAndNothingChanges) {
+    std::unique_ptr<KxSpatialGraph> g = makeChain(3);
+    GraphSnapshot before = takeSnapshot(*g);
+    KxMessageCapture capture;
+    ReplaceOperation op(g.get(), 2, DArray<Vec3f>{{0, 0, 0}, {1, 1, 1}}, SpatialGraphSelection(g.get()),
+                        SpatialGraphSelection(g.get()));
+    op.exec();
+    op.undo();
+    EXPECT_TRUE(capture.contains("Error: ReplaceOperation: edge 2 does not exist (2 edges)."));
+    EXPECT_TRUE(sameGraph(before, *g));
 }
