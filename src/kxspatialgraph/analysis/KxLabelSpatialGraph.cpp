@@ -58,6 +58,7 @@ void KxLabelSpatialGraph::compute() {
         result->copyFrom(graph);
     } else {
         result = graph->duplicate();
+        result->setLabel(makeResultLabel("_labeled").c_str());
     }
     SbMatrix toField = result->getTransform();
     toField.multRight(field->getTransform().inverse());
@@ -105,7 +106,6 @@ void KxLabelSpatialGraph::compute() {
             }
         }
     }
-    result->setLabel(makeResultLabel("_labeled").c_str());
     result->touch(KxData::NEW_DATA);
     setResult(result);
     result->fire();

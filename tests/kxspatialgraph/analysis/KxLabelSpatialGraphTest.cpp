@@ -85,8 +85,11 @@ TEST_F(KxLabelSpatialGraphTest, LabelsNodesAndPointsThroughTheFieldsTransformati
     ASSERT_TRUE(r->getLabelColor(points, 2, color));
     EXPECT_EQ(color, SbColor(0, 1, 0));
 
-    // A second press overwrites the same result with a fresh copy.
+    // A second press overwrites the same result with a fresh copy; a pooled
+    // result keeps the label the pool knows it by, even after a rename.
+    theObjectPool->rename(graph_, "other.kxm");
     EXPECT_EQ(run(1, 0), r);
+    EXPECT_EQ(theObjectPool->find(r->getLabel()), r);
     EXPECT_EQ(r->findVertexAttribute("Materials_Nodes"), nullptr);
     expectConsistent(*r);
 }
