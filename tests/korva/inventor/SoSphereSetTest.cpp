@@ -69,6 +69,8 @@ TEST(SoSphereSetTest, BoundingBoxCoversDrawnSpheres) {
     spheres->ref();
     const float radii[] = {0.5f, 2.0f};
     spheres->setRadii(1, 2, radii);
+    const SbVec3f far(100, 0, 0);
+    spheres->setCoords(-1, 1, &far);  // refused: no sphere before the first
     spheres->select(0, false);
     SoGetBoundingBoxAction box(SbViewportRegion(100, 100));
     box.apply(spheres);

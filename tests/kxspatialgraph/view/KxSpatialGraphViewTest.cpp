@@ -278,10 +278,10 @@ TEST_F(KxSpatialGraphViewTest, SetLineWidthAndStatisticsRowsSetTheView) {
 TEST_F(KxSpatialGraphViewTest, ClicksReportNodesSegmentsAndPoints) {
     KxSpatialGraphView* view = show(makeTwoLines());
     evalOk(tcl_, "V nodeScaleFactor setValue 0.8");
-    std::vector<std::string> lines = click(view, -4, -2);
+    std::vector<std::string> lines = click(view, -4, 2);
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0], "Node = 2 (-4 -2 0)");
-    expectPickedNear(lines[1], -4, -2, 0.16f);  // radius 0.8 x the sphere set's scale 0.2
+    EXPECT_EQ(lines[0], "Node = 0 (-4 2 0)");
+    expectPickedNear(lines[1], -4, 2, 0.16f);  // radius 0.8 x the sphere set's scale 0.2
 
     evalOk(tcl_, "V itemsToShow setValue 0 0");
     lines = click(view, 2, -2);
