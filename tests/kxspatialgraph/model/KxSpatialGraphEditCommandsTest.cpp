@@ -65,6 +65,11 @@ TEST_F(KxSpatialGraphEditCommandsTest, DeleteUndoRedoFromTheConsole) {
     KxMessageCapture capture;
     EXPECT_EQ(evalError(tcl_, "undo"), "Error: Nothing to undo.");
     EXPECT_EQ(evalError(tcl_, "redo"), "Error: Nothing to redo.");
+
+    // A split connects to a selected vertex as well as to a selected point.
+    const int numVertices = graph_->getNumVertices();
+    evalOk(tcl_, "g edit splitEdgeAndConnect 1.5 0 0 1 1 -vertices 0");
+    EXPECT_EQ(graph_->getNumVertices(), numVertices + 1);
 }
 
 TEST_F(KxSpatialGraphEditCommandsTest, WrongCallsFailAndChangeNothing) {
