@@ -114,9 +114,9 @@ TEST(KxSpatialGraphTest, ReattachingMovesListEntryAndEndPoint) {
     EXPECT_EQ(g->getEdgePoint(0, 2), g->getVertexCoords(3));
     expectConsistent(*g);
     // An end outside the graph has no coordinates to take: the points stay.
-    const Vec3f first = g->getEdgePoint(1, 0);
-    g->setEdgeSource(1, 99);
-    EXPECT_EQ(g->getEdgePoint(1, 0), first);
+    const Vec3f first = g->getEdgePoint(2, 0);
+    g->setEdgeSource(2, 99);
+    EXPECT_EQ(g->getEdgePoint(2, 0), first);
 }
 
 TEST(KxSpatialGraphTest, HasEdgeWalksTheFirstVertexList) {
