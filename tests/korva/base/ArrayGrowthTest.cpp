@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "korva/base/DArray.h"
 #include "korva/base/SmallArray.h"
 
-TEST(DArrayTest, InsertRemoveKeepOrder) {
+TEST(DArrayTest, EditsKeepOrderAndOwnElementsSurviveReallocation) {
     DArray<int> a{0, 1, 2, 3, 4};
     a.insert(0, 10);
     a.insert(6, 11);
@@ -13,14 +15,29 @@ TEST(DArrayTest, InsertRemoveKeepOrder) {
     EXPECT_EQ(a, (DArray<int>{0, 3, 4, 10, 11}));
     EXPECT_EQ(a.find(10), 3);
     EXPECT_EQ(a.find(7), -1);
+
+    // Copies of the array's own elements must be taken before its buffer moves.
+    DArray<std::string> s;
+    s.append(std::string(40, 'x'));
+    for (int i = 0; i < 20; ++i) {
+        s.append(s[0]);
+        s.insert(0, s[s.size() - 1]);
+    }
+    EXPECT_EQ(s, DArray<std::string>(41, std::string(40, 'x')));
+    DArray<int> b{1, 2, 3};
+    b.append(b.size(), b.dataPtr());
+    b.insert(1, 2, b.dataPtr() + 4);
+    EXPECT_EQ(b, (DArray<int>{1, 2, 3, 2, 3, 1, 2, 3}));
 }
 
-TEST(SmallArrayTest, CopiesAndMovesInBothStates) {
+TEST(SmallArrayTest, CopiesMovesAndResizesCrossBetweenInlineAndHeap) {
     SmallArray<int, 2> small;
     small.append(7);
     SmallArray<int, 2> big;
+    big.resize(5);
     for (int i = 0; i < 5; ++i) {
-        big.append(i);
+        EXPECT_EQ(big[i], 0) << "new elements are zero";
+        big[i] = i;
     }
     SmallArray<int, 2> a = small, b = big;
     EXPECT_EQ(a, small);
@@ -33,48 +50,15 @@ TEST(SmallArrayTest, CopiesAndMovesInBothStates) {
     c = small;
     EXPECT_TRUE(c.isInline());
     EXPECT_EQ(c, small);
-    c.insert(0, 9);
-    c.insert(1, 8);
-    EXPECT_EQ(c[0], 9);
-    EXPECT_EQ(c[1], 8);
-    EXPECT_EQ(c[2], 7);
-}
 
-TEST(DArrayTest, AppendingOwnElementsSurvivesReallocation) {
-    // Copies of the array's own elements must be taken before its buffer moves.
-    DArray<std::string> a;
-    a.append(std::string(40, 'x'));
-    for (int i = 0; i < 20; ++i) {
-        a.append(a[0]);
-        a.insert(0, a[a.size() - 1]);
-    }
-    EXPECT_EQ(a.size(), 41);
-    for (const std::string& s : a) {
-        EXPECT_EQ(s, std::string(40, 'x'));
-    }
-    DArray<int> b{1, 2, 3};
-    b.append(b.size(), b.dataPtr());
-    b.insert(1, 2, b.dataPtr() + 4);
-    EXPECT_EQ(b, (DArray<int>{1, 2, 3, 2, 3, 1, 2, 3}));
-}
-
-TEST(SmallArrayTest, ResizeCrossesBetweenInlineAndHeapBothWays) {
-    SmallArray<int, 2> s;
-    s.resize(5);
-    EXPECT_FALSE(s.isInline());
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(s[i], 0) << "new elements are zero";
-        s[i] = 10 + i;
-    }
-    s.resize(2);
-    EXPECT_TRUE(s.isInline());
-    EXPECT_EQ(s[0], 10);
-    EXPECT_EQ(s[1], 11);
-    s.resize(3);
-    EXPECT_EQ(s[2], 0) << "a regrown element does not bring back an old value";
-    s.clear();
-    EXPECT_TRUE(s.isInline());
-    EXPECT_EQ(s.size(), 0);
+    big.resize(2);
+    EXPECT_TRUE(big.isInline());
+    EXPECT_EQ(big[1], 1);
+    big.resize(3);
+    EXPECT_EQ(big[2], 0) << "a regrown element does not bring back an old value";
+    big.clear();
+    EXPECT_TRUE(big.isInline());
+    EXPECT_EQ(big.size(), 0);
 }
 
 TEST(SmallArrayTest, AppendAndInsertOfOwnElementAtTheInlineBoundary) {
@@ -92,4 +76,7 @@ TEST(SmallArrayTest, AppendAndInsertOfOwnElementAtTheInlineBoundary) {
     EXPECT_EQ(s[2], 7);
     EXPECT_EQ(s.find(8), 1);
     EXPECT_EQ(s.find(9), -1);
+    s.insert(1, 9);
+    EXPECT_EQ(s[1], 9);
+    EXPECT_EQ(s[2], 8);
 }
