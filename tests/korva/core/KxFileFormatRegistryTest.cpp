@@ -145,19 +145,6 @@ TEST_F(KxFileFormatRegistryTest, EntriesByNameOrExtensionReadersByContentTypeThe
     EXPECT_EQ(readerFor("plain.kxm", "no header"), "none");
 }
 
-TEST_F(KxFileFormatRegistryTest, LoadRegistersWhatTheReaderCreated) {
-    std::string path = dir_.path("words.txt");
-    writeFileBytes(path, "hello");
-    std::vector<KxObject*> created;
-    KxMessageCapture capture;
-    ASSERT_TRUE(registry_.load(path.c_str(), created, pool_)) << capture.text();
-    ASSERT_EQ(created.size(), 1u);
-    KxData* data = dynamic_cast<KxData*>(created[0]);
-    ASSERT_NE(data, nullptr);
-    EXPECT_STREQ(data->getLoadCmd(), path.c_str());
-    EXPECT_EQ(pool_.find("text"), data);
-}
-
 TEST_F(KxFileFormatRegistryTest, LoadFailuresPrintOneErrorLineEach) {
     writeFileBytes(dir_.path("unknown.dat"), "data");
     writeFileBytes(dir_.path("broken.brk"), "data");

@@ -7,13 +7,9 @@
 #include <vector>
 
 #include "korva/core/KxClassRegistry.h"
-#include "korva/core/KxData.h"
 #include "korva/core/KxFileFormatRegistry.h"
-#include "korva/core/KxInfoTags.h"
 #include "korva/core/KxMessageCapture.h"
-#include "korva/core/KxObjectPool.h"
 #include "korva/core/KxPackageLoader.h"
-#include "support/TempDir.h"
 
 namespace {
 
@@ -54,45 +50,6 @@ TEST(KxPackageLoaderTest, LoadsOnceRegistersClassesAndFormats) {
 
     std::string resources = thePackageLoader->getResourceDir("kxtestpackage");
     EXPECT_TRUE(std::ifstream(resources + "/kxtestpackage.rc").good()) << resources;
-}
-
-TEST(KxPackageLoaderTest, ResolvedFunctionsReadAndWriteThroughTheRegistry) {
-    loadTestPackage();
-    TempDir dir;
-    // Chosen by content: the name has no extension.
-    std::string in = dir.path("memo");
-    std::ofstream(in) << "KXNOTE\nremember the milk";
-    std::vector<KxObject*> created;
-    KxMessageCapture capture;
-    ASSERT_TRUE(theFileFormats->load(in.c_str(), created, *theObjectPool)) << capture.text();
-    ASSERT_EQ(created.size(), 1u);
-    KxData* note = dynamic_cast<KxData*>(created[0]);
-    ASSERT_NE(note, nullptr);
-    EXPECT_STREQ(note->getTypeName(), "KxTestNote");
-    EXPECT_STREQ(note->getLabel(), "memo");
-    KxInfoTags tags;
-    note->info(tags);
-    EXPECT_STREQ(tags.find("Text:"), "remember the milk");
-
-    std::string out = dir.path("copy.note");
-    const KxFileFormat* writer = theFileFormats->findWriter(out.c_str(), note);
-    ASSERT_NE(writer, nullptr);
-    ASSERT_TRUE(theFileFormats->save(*writer, note, out.c_str())) << capture.text();
-    EXPECT_EQ(readFileBytes(out), "KXNOTE\nremember the milk");
-    theObjectPool->remove(note);
-
-    // A .note file without the header is rejected by the check before the reader runs.
-    std::string bad = dir.path("bad.note");
-    std::ofstream(bad) << "no header";
-    EXPECT_FALSE(theFileFormats->load(bad.c_str(), created, *theObjectPool));
-    EXPECT_TRUE(capture.contains("Error: Unknown file format of " + bad + ".")) << capture.text();
-}
-
-TEST(KxPackageLoaderTest, TheSpatialGraphPackageIsFoundBesideTheHostLibrary) {
-    KxMessageCapture capture;
-    EXPECT_TRUE(thePackageLoader->load("kxspatialgraph")) << capture.text();
-    EXPECT_EQ(thePackageLoader->getLibraryPath("kxspatialgraph"),
-              KxPackageLoader::hostLibraryDir() + "/libkxspatialgraph.so");
 }
 
 TEST(KxPackageLoaderTest, MissingPackagesAndBadNamesFailWithAnErrorLine) {

@@ -25,19 +25,6 @@ std::vector<std::string> paramNames(const KxParamBundle& b) {
 
 }  // namespace
 
-TEST(KxParamBundleTest, ParametersKeepTheirPlaceWhenReplaced) {
-    KxParamBundle b;
-    b.setInt("a", 1);
-    b.setString("b", "text");
-    b.setFloat("c", 2.5f);
-    b.setDouble("a", 0.25);  // replaced in place, kind changes
-    EXPECT_EQ(paramNames(b), (std::vector<std::string>{"a", "b", "c"}));
-    EXPECT_EQ(b.findParam("a")->getKind(), KxParam::DOUBLE);
-    EXPECT_TRUE(b.removeParam("b"));
-    EXPECT_FALSE(b.removeParam("b"));
-    EXPECT_EQ(paramNames(b), (std::vector<std::string>{"a", "c"}));
-}
-
 TEST(KxParamBundleTest, LookupsCheckKindAndCount) {
     KxParamBundle b;
     float m[16];
@@ -45,9 +32,12 @@ TEST(KxParamBundleTest, LookupsCheckKindAndCount) {
         m[i] = static_cast<float>(i);
     }
     b.setFloats("TransformationMatrix", m, 16);
+    b.setFloat("r", 2.5f);
     b.setInt("n", 3);
     b.setString("s", "x");
     b.setColor(Color(0.1f, 0.2f, 0.3f));
+    b.setDouble("r", 0.25);  // replaced in place, kind changes
+    EXPECT_EQ(b.findParam("r")->getKind(), KxParam::DOUBLE);
 
     double d[16];
     EXPECT_TRUE(b.findReals("TransformationMatrix", 16, d));
@@ -70,6 +60,9 @@ TEST(KxParamBundleTest, LookupsCheckKindAndCount) {
     ASSERT_TRUE(b.findColor(c));
     EXPECT_EQ(c, Color(0.1f, 0.2f, 0.3f));
     EXPECT_EQ(b.findParam("color")->getKind(), KxParam::FLOAT);
+    EXPECT_TRUE(b.removeParam("s"));
+    EXPECT_FALSE(b.removeParam("s"));
+    EXPECT_EQ(paramNames(b), (std::vector<std::string>{"TransformationMatrix", "r", "n", "color"}));
 }
 
 TEST(KxParamBundleTest, SubBundlesInsertMoveTakeAndRemoveInOrder) {

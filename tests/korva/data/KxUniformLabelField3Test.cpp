@@ -24,6 +24,9 @@ TEST(KxUniformLabelField3Test, NearestVoxelLookupAndKorvaMeshRoundTrip) {
                "f addMaterial Exterior 0 0 0; f addMaterial Bone 1 1 0.5; f setTransform 1 0 0 0 0 1 0 0 0 0 "
                "1 0 3 0 0 1");
         EXPECT_EQ(evalOk(tcl, "f getVoxel 2 1 0"), "7");
+        EXPECT_EQ(evalOk(tcl, "f getTransform"),
+                  "1.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0.0 0.0 1.0 0.0 3.0 0.0 0.0 1.0");
+        evalError(tcl, "f setTransform 1");
         evalError(tcl, "f setVoxel 3 0 0 1");
         evalError(tcl, "f setVoxel 0 0 0 256");
     }
