@@ -57,21 +57,6 @@ TEST(KxOffscreenRendererTest, RendersWithoutDisplayTopRowFirstInMemoryAndInPng) 
     EXPECT_EQ(image.pixelColor(pixelColumn(0), pixelRow(-3)).green(), 255);
 }
 
-TEST(KxOffscreenRendererTest, SceneWithoutCameraIsFramedAndLit) {
-    KxInventor::init();
-    auto* root = new SoSeparator;
-    root->ref();
-    root->addChild(new SoCube);
-    KxOffscreenRenderer renderer(60, 40);
-    ASSERT_TRUE(renderer.render(root));
-    root->unref();
-    unsigned char centre[3], corner[3];
-    renderer.getPixel(30, 20, centre);
-    renderer.getPixel(0, 0, corner);
-    EXPECT_GT(centre[0], 100);
-    EXPECT_EQ(corner[0], 0);
-}
-
 TEST(KxOffscreenRendererTest, FailuresAreReported) {
     KxMessageCapture capture;
     KxInventor::init();
