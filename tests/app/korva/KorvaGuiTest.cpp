@@ -20,15 +20,12 @@ TEST(KorvaGuiTest, WindowShowsTheGraphAndClosesOnQuit) {
     options.workingDir = dir.path();
     options.launcher = {"xvfb-run", "-a", "-s", "-screen 0 1024x768x24"};
     std::string script = dir.path("show.tcl");
-    FILE* file = std::fopen(script.c_str(), "w");
-    ASSERT_NE(file, nullptr);
-    std::fputs(
+    writeFileBytes(
+        script,
         "create KxSpatialGraph g\ng addVertex -10 0 0\ng addVertex 10 0 0\ng addEdge 0 1\n"
         "[create KxSpatialGraphView V] data connect g\n"
         "V segmentStyle setValue 2 1; V tubeScaleFactor setValue 2; V segmentColor setValue 1 0 0\n"
-        "viewer viewAll\nviewer grab window.png\nquit 3\n",
-        file);
-    std::fclose(file);
+        "viewer viewAll\nviewer grab window.png\nquit 3\n");
     KorvaRun run = runKorva({"--gui", script}, options);
     EXPECT_EQ(run.status, 3) << run.out << run.err;
     QImage image(QString::fromStdString(picture));

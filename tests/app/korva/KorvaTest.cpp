@@ -147,6 +147,8 @@ TEST_F(KorvaTest, RunsPrintExactlyTheirOutputAndExitWithTheirCode) {
     write("fail.tcl", "puts before\nproc f {} { error \"it broke\" }\nf\nputs after\n");
     write("memo", "KXNOTE\nbuy milk");
     write("cell.swc", "1 1 0 0 0 1 -1\n2 3 2 0 0 1 1\n");
+    // One edge of points (5,0,0) (2,0,0) (0,0,0) (0,0,0): the root's point is doubled.
+    write("line.swc", "1 1 0 0 0 1 -1\n2 3 2 0 0 1 1\n3 3 5 0 0 1 2\n");
     const std::string stats = "Segment Statistics\nSegment ID,Length,Mean Radius,Volume\n0,2,1,6.2831855\n";
     struct Case {
         std::vector<std::string> args;
@@ -184,6 +186,12 @@ TEST_F(KorvaTest, RunsPrintExactlyTheirOutputAndExitWithTheirCode) {
          {1, "", "Error: invalid point number 9, should be 0..2\n..."}},
         {{"distance", "cell.swc", "--edge", "0", "-o", "x.kxm"},
          {2, "", "USAGE: korva distance FILE --ref X Y Z | --edge E --point P -o OUT\n"}},
+        {{"distance", "line.swc", "-o", "ref.kxm", "--ref", "2.1", "0", "0"}, {0, "", ""}},
+        {{"distance", "line.swc", "--edge", "0", "--point", "1", "-o", "edge.kxm"}, {0, "", ""}},
+        {{"-c",
+          "foreach f {ref.kxm edge.kxm} {foreach p {0 1 2 3} {puts [[load $f] getValue POINT "
+          "DistanceToPoint 0 $p]}}"},
+         {0, "3\n0\n2\n2\n3\n0\n2\n2\n", ""}},
     };
     auto expectText = [](const std::string& actual, const std::string& expected) {
         const size_t dots = expected.rfind("...");
@@ -214,22 +222,6 @@ TEST_F(KorvaTest, RunsPrintExactlyTheirOutputAndExitWithTheirCode) {
     // No interfaces, no abstract bases.
     EXPECT_EQ(help.out.find("Interface"), std::string::npos) << help.out;
     EXPECT_EQ(help.out.find("  KxObject\n"), std::string::npos) << help.out;
-}
-
-TEST_F(KorvaTest, DistanceSavesTheDistancesAlongTheGraph) {
-    // One edge of points (5,0,0) (2,0,0) (0,0,0) (0,0,0): the root's point is doubled.
-    write("line.swc", "1 1 0 0 0 1 -1\n2 3 2 0 0 1 1\n3 3 5 0 0 1 2\n");
-    const char* print =
-        "set g [load out.kxm]; foreach p {0 1 2 3} {puts [$g getValue POINT DistanceToPoint 0 $p]}";
-    for (const std::vector<std::string>& reference :
-         {std::vector<std::string>{"--ref", "2.1", "0", "0"},
-          std::vector<std::string>{"--edge", "0", "--point", "1"}}) {
-        std::vector<std::string> args = {"distance", "line.swc", "-o", "out.kxm"};
-        args.insert(args.end(), reference.begin(), reference.end());
-        KorvaRun run = korva(args);
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(korva({"-c", print}).out, "3\n0\n2\n2\n");
-    }
 }
 
 TEST_F(KorvaTest, RenderDrawsTheGraphAScriptBuilds) {
