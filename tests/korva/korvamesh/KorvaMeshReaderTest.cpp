@@ -229,20 +229,8 @@ TEST(KorvaMeshReaderTest, EveryTruncationFails) {
     }
 }
 
-TEST(KorvaMeshReaderTest, ReadsFilesInPlaceAndReportsMissingFiles) {
+TEST(KorvaMeshReaderTest, ReportsFilesThatCannotBeRead) {
     TempDir dir;
-    KorvaMeshSample sample;
-    std::string path = dir.path("s.kxm");
-    ASSERT_EQ(sample.mesh.write(path.c_str(), 0), 1);
-    std::unique_ptr<KorvaMesh> mesh = KorvaMeshReader::readFile(path.c_str());
-    ASSERT_TRUE(mesh);
-    // Every binary array lies aligned for its type.
-    for (int i = 0; i < mesh->getNumData(); ++i) {
-        const KorvaMesh::Data* d = mesh->getData(i);
-        EXPECT_EQ(reinterpret_cast<uintptr_t>(d->getValues()) % d->getPrimType().getSize(), 0u)
-            << d->getName();
-    }
-
     KxMessageCapture capture;
     EXPECT_FALSE(KorvaMeshReader::readFile(dir.path("missing.kxm").c_str()));
     EXPECT_FALSE(KorvaMeshReader::readFile(dir.path().c_str()));
