@@ -8,37 +8,34 @@
 
 TEST(HashTableTest, IterationFollowsInsertionOrderThroughRemovalsAndRehashes) {
     HashTable<int, int> t;
-    std::vector<int> expected;
     // Keys whose hashes scatter; enough of them for several rehashes.
+    auto key = [](int i) { return i * 7919 % 1009 - 500; };
     for (int i = 0; i < 1000; ++i) {
-        int key = (i * 7919) % 1009 - 500;
-        ASSERT_TRUE(t.insert(key, i));
-        expected.push_back(key);
+        ASSERT_TRUE(t.insert(key(i), i));
     }
-    EXPECT_FALSE(t.insert(expected[10], -1)) << "a present key is not inserted again";
-    EXPECT_EQ(*t.lookup(expected[10]), 10);
-    for (int i = 0; i < 1000; i += 3) {
-        ASSERT_TRUE(t.remove(expected[static_cast<size_t>(i)]));
-    }
-    EXPECT_FALSE(t.remove(expected[0]));
+    EXPECT_FALSE(t.insert(key(10), -1)) << "a present key is not inserted again";
+    EXPECT_EQ(*t.lookup(key(10)), 10);
     std::vector<int> survivors;
     for (int i = 0; i < 1000; ++i) {
-        if (i % 3 != 0) {
-            survivors.push_back(expected[static_cast<size_t>(i)]);
+        if (i % 3 == 0) {
+            ASSERT_TRUE(t.remove(key(i)));
+        } else {
+            survivors.push_back(key(i));
         }
     }
+    EXPECT_FALSE(t.remove(key(0)));
     EXPECT_EQ(t.keys(), survivors);
     // A removed key inserted again goes to the end; enough inserts to rebuild.
-    t.insert(expected[0], 0);
-    survivors.push_back(expected[0]);
+    t.insert(key(0), 0);
+    survivors.push_back(key(0));
     for (int i = 0; i < 2000; ++i) {
         t.insert(10000 + i, i);
         survivors.push_back(10000 + i);
     }
     EXPECT_EQ(t.keys(), survivors);
     EXPECT_EQ(t.size(), static_cast<int>(survivors.size()));
-    for (size_t i = 0; i < survivors.size(); ++i) {
-        ASSERT_TRUE(t.contains(survivors[i])) << survivors[i];
+    for (int k : survivors) {
+        ASSERT_TRUE(t.contains(k)) << k;
     }
     // Slots freed by removals are reused: one key coming and going neither
     // fills the table nor disturbs the order.
