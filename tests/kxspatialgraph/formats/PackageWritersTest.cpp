@@ -42,6 +42,8 @@ protected:
 TEST_F(PackageWritersTest, AFailedSaveLeavesTheOldFileAsItWasAndNothingBeside) {
     KxSpatialGraph* graph = neuron();
     ASSERT_TRUE(graph);
+    const std::string loadCmd = graph->getLoadCmd();
+    graph->setModified(true);
     for (const char* name : kWriters) {
         SCOPED_TRACE(name);
         const std::string target = dir_.path("old");
@@ -57,6 +59,9 @@ TEST_F(PackageWritersTest, AFailedSaveLeavesTheOldFileAsItWasAndNothingBeside) {
         EXPECT_NE(capture.text().find("\"" + target + "\""), std::string::npos) << capture.text();
         EXPECT_EQ(readFileBytes(target), "the old contents");
         EXPECT_EQ(dir_.list(), (std::vector<std::string>{"neuron.hoc", "old"}));
+        // The graph is still unsaved.
+        EXPECT_TRUE(graph->isModified());
+        EXPECT_EQ(graph->getLoadCmd(), loadCmd);
     }
 }
 
