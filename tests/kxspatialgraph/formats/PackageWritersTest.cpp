@@ -39,42 +39,40 @@ protected:
     }
 };
 
-TEST_F(PackageWritersTest, AFailedSaveLeavesTheOldFileAsItWasAndNothingBeside) {
+// A failed save (the file size limit) leaves the old file as it was, nothing
+// beside it, and the graph unsaved; a save keeps the file's mode; a read-only
+// file is left alone.
+TEST_F(PackageWritersTest, SavingOverAFileKeepsItsModeOrLeavesItAsItWas) {
     KxSpatialGraph* graph = neuron();
     ASSERT_TRUE(graph);
+    const std::string target = dir_.path("old");
     for (const char* name : kWriters) {
         SCOPED_TRACE(name);
-        const std::string target = dir_.path("old");
+        const KxFileFormat& format = *theFileFormats->find(name);
         writeFileBytes(target, "the old contents");
+        ASSERT_EQ(chmod(target.c_str(), 0640), 0);
+        const std::string loadCmd = graph->getLoadCmd();
+        graph->setModified(true);
         KxMessageCapture capture;
         bool saved;
         {
             FileSizeLimit limit(20);
-            saved = theFileFormats->save(*theFileFormats->find(name), graph, target.c_str());
+            saved = theFileFormats->save(format, graph, target.c_str());
         }
         EXPECT_FALSE(saved);
         ASSERT_EQ(capture.numErrors(), 1) << capture.text();
         EXPECT_NE(capture.text().find("\"" + target + "\""), std::string::npos) << capture.text();
         EXPECT_EQ(readFileBytes(target), "the old contents");
         EXPECT_EQ(dir_.list(), (std::vector<std::string>{"neuron.hoc", "old"}));
-    }
-}
+        EXPECT_TRUE(graph->isModified());
+        EXPECT_EQ(graph->getLoadCmd(), loadCmd);
 
-TEST_F(PackageWritersTest, SavingOverAFileKeepsItsModeAndLeavesReadOnlyFilesAlone) {
-    KxSpatialGraph* graph = neuron();
-    ASSERT_TRUE(graph);
-    for (const char* name : kWriters) {
-        SCOPED_TRACE(name);
-        const std::string target = dir_.path(std::string("saved-") + name);
-        writeFileBytes(target, "old");
-        ASSERT_EQ(chmod(target.c_str(), 0640), 0);
-        EXPECT_TRUE(theFileFormats->save(*theFileFormats->find(name), graph, target.c_str()));
+        EXPECT_TRUE(theFileFormats->save(format, graph, target.c_str()));
         EXPECT_EQ(modeOf(target), 0640u);
-        EXPECT_NE(readFileBytes(target), "old");
-
+        EXPECT_NE(readFileBytes(target), "the old contents");
         ASSERT_EQ(chmod(target.c_str(), 0444), 0);
-        KxMessageCapture capture;
-        EXPECT_FALSE(theFileFormats->save(*theFileFormats->find(name), graph, target.c_str()));
+        capture.clear();
+        EXPECT_FALSE(theFileFormats->save(format, graph, target.c_str()));
         EXPECT_NE(capture.text().find("read-only"), std::string::npos) << capture.text();
         EXPECT_EQ(modeOf(target), 0444u);
         ASSERT_EQ(chmod(target.c_str(), 0644), 0);

@@ -86,18 +86,12 @@ TEST(SkeletonGraphKorvaMeshTest, ImportsEveryRunOnce) {
         }
         EXPECT_FALSE(g->getLabelGroup("Materials"));
     }
-    Skeleton bare;
-    bare.neighbours = {{1}, {0}};
-    bare.withRadii = false;
-    KxMessageCapture capture;
-    std::unique_ptr<KxSpatialGraph> g = load(bare, capture);
-    ASSERT_TRUE(g);
-    EXPECT_EQ(g->getNumEdgePointAttributes(), 0);
 }
 
 TEST(SkeletonGraphKorvaMeshTest, MaterialTypesBecomeALabelGroup) {
     Skeleton s;
     s.neighbours = {{1}, {0, 2}, {1, 3}, {2}};
+    s.withRadii = false;
     // Point 2 has no type entry: label 0. File id 5 is the second material.
     s.types = {{5, 7}, {9}, {}, {0}};
     KxParamBundle* materials = s.mesh.getParameters().addBundle("Materials");
@@ -128,6 +122,7 @@ TEST(SkeletonGraphKorvaMeshTest, MaterialTypesBecomeALabelGroup) {
         ids.push_back(values->getIntDataAtPoint(0, p));
     }
     EXPECT_EQ(ids, (std::vector<int>{vesselId, boneId, 0, 0}));
+    EXPECT_FALSE(g->findEdgePointAttribute("Thickness")) << "the file has no radii";
 }
 
 TEST(SkeletonGraphKorvaMeshTest, RefusesBrokenNeighbourData) {
@@ -135,36 +130,34 @@ TEST(SkeletonGraphKorvaMeshTest, RefusesBrokenNeighbourData) {
         const char* what;
         std::vector<std::vector<int>> neighbours;
         const char* problem;
+        int lyingCount = 0;  // replaces point 1's neighbour count when not 0
     } cases[] = {
         {"index out of range", {{1}, {0, 7}, {1}}, "neighbour index out of range (point 1)"},
         {"negative index", {{-1}}, "neighbour index out of range (point 0)"},
         // 1 and 2 point at each other only: the walk from 0 would never end.
         {"lists disagree", {{1}, {2, 2}, {1, 1}}, "does not end"},
         {"ring lists disagree", {{1, 1}, {2, 2}, {1, 1}}, "does not close"},
+        {"count past the list",
+         {{1}, {0}},
+         "Error: skeleton graph skeleton.kxm: neighbour count past the end of NeighbourList (point 1).",
+         5},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         Skeleton s;
         s.neighbours = c.neighbours;
+        s.build();
+        if (c.lyingCount != 0) {
+            s.counts[1] = c.lyingCount;
+        }
         KxMessageCapture capture;
-        EXPECT_FALSE(loadSkeletonGraph(s.build(), "skeleton.kxm"));
+        EXPECT_FALSE(loadSkeletonGraph(s.mesh, "skeleton.kxm"));
         ASSERT_EQ(capture.numErrors(), 1) << capture.text();
         EXPECT_NE(capture.lines()[0].find(c.problem), std::string::npos) << capture.text();
     }
 
-    Skeleton lying;
-    lying.neighbours = {{1}, {0}};
-    lying.build();
-    lying.counts[1] = 5;
-    KxMessageCapture capture;
-    EXPECT_FALSE(loadSkeletonGraph(lying.mesh, "skeleton.kxm"));
-    EXPECT_TRUE(
-        capture.contains("Error: skeleton graph skeleton.kxm: neighbour count past the end of NeighbourList "
-                         "(point 1)."))
-        << capture.text();
-
     KorvaMesh empty;
-    capture.clear();
+    KxMessageCapture capture;
     EXPECT_EQ(loadSkeletonGraphToKorva(empty, "none.kxm"), 0);
     EXPECT_EQ(capture.numErrors(), 1);
 }

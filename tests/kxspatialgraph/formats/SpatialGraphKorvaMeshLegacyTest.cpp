@@ -34,7 +34,7 @@ std::vector<int> intValues(const GraphAttribute* a) {
     return std::vector<int>(v, v + a->size());
 }
 
-TEST(SpatialGraphKorvaMeshLegacyTest, ConvertsTopologyAndOptionalData) {
+TEST(SpatialGraphKorvaMeshLegacyTest, ConvertsTopologyAndOptionalDataAndGivesLandmarkLabelsTheFixedIds) {
     LegacyMesh legacy;
     legacy.addOptionalData();
     float matrix[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1};
@@ -62,6 +62,33 @@ TEST(SpatialGraphKorvaMeshLegacyTest, ConvertsTopologyAndOptionalData) {
     EXPECT_EQ(g->findEdgePointAttribute("EdgePointFloatData")->getFloatDataAtPoint(1, 1), 0.5f);
     // Label bundles are missing: no groups.
     EXPECT_EQ(g->getLabelGroups().size(), 0);
+
+    // Graph labels whose bundle holds "Landmark" get the fixed ids.
+    KxParamBundle* group = legacy.addGroup("GraphLabels", "UndefinedGraphLabel", {"Neuron", "Landmark"});
+    KxParamBundle* neuron = group->getBundle("Neuron");
+    neuron->addBundle("Dendrite")->addBundle("BasalDendrite");
+    neuron->addBundle("Soma");
+    KxParamBundle* barrel = group->getBundle("Landmark")->addBundle("Barrel");
+    barrel->addBundle("cRow")->addBundle("C6");
+    barrel->addBundle("greekRow")->addBundle("Delta");
+    capture.clear();
+    g.reset(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
+    ASSERT_TRUE(g);
+    EXPECT_EQ(labelTree(g->parameters().getBundle("GraphLabels")),
+              "0 (Neuron 2 (Dendrite 3 (BasalDendrite 5), Soma 7), Landmark 8 (Barrel 11 (cRow 22 (C6 28), "
+              "greekRow 43 (Delta 47))))");
+    EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
+    // The undefined label's value 1 became the group's own 0.
+    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{0, 2, 8}));
+    EXPECT_EQ(intValues(g->findEdgeAttribute("GraphLabels")), (std::vector<int>{0, 7}));
+    // Each missing label of the table is reported once; its children are skipped.
+    for (const char* missing :
+         {"ApicalDendrite", "Axon", "Pia", "Vessel", "aRow", "bRow", "dRow", "eRow", "A1"}) {
+        bool reported = capture.contains(std::string("Warning: label \"") + missing +
+                                         "\" not found. Skipping child labels.");
+        EXPECT_EQ(reported, std::string(missing) != "A1") << missing;
+    }
+    EXPECT_TRUE(capture.contains("Warning: label \"C1\" not found. Skipping child labels."));
 }
 
 TEST(SpatialGraphKorvaMeshLegacyTest, FoldsUndefinedLabelsAndNumbersChildren) {
@@ -93,36 +120,6 @@ TEST(SpatialGraphKorvaMeshLegacyTest, FoldsUndefinedLabelsAndNumbersChildren) {
     // Without the undefined child the values stay and the group is still registered.
     EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{1, 2, 8}));
     EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
-}
-
-TEST(SpatialGraphKorvaMeshLegacyTest, GraphLabelsWithLandmarkGetTheFixedIds) {
-    LegacyMesh legacy;
-    legacy.addOptionalData();
-    KxParamBundle* group = legacy.addGroup("GraphLabels", "UndefinedGraphLabel", {"Neuron", "Landmark"});
-    KxParamBundle* neuron = group->getBundle("Neuron");
-    neuron->addBundle("Dendrite")->addBundle("BasalDendrite");
-    neuron->addBundle("Soma");
-    KxParamBundle* barrel = group->getBundle("Landmark")->addBundle("Barrel");
-    barrel->addBundle("cRow")->addBundle("C6");
-    barrel->addBundle("greekRow")->addBundle("Delta");
-    KxMessageCapture capture;
-    std::unique_ptr<KxSpatialGraph> g(readKorvaMeshToSpatialGraph(legacy.mesh, "old.kxm"));
-    ASSERT_TRUE(g);
-    EXPECT_EQ(labelTree(g->parameters().getBundle("GraphLabels")),
-              "0 (Neuron 2 (Dendrite 3 (BasalDendrite 5), Soma 7), Landmark 8 (Barrel 11 (cRow 22 (C6 28), "
-              "greekRow 43 (Delta 47))))");
-    EXPECT_TRUE(g->getLabelGroup("GraphLabels"));
-    // The undefined label's value 1 became the group's own 0.
-    EXPECT_EQ(intValues(g->findVertexAttribute("GraphLabels")), (std::vector<int>{0, 2, 8}));
-    EXPECT_EQ(intValues(g->findEdgeAttribute("GraphLabels")), (std::vector<int>{0, 7}));
-    // Each missing label of the table is reported once; its children are skipped.
-    for (const char* missing :
-         {"ApicalDendrite", "Axon", "Pia", "Vessel", "aRow", "bRow", "dRow", "eRow", "A1"}) {
-        bool reported = capture.contains(std::string("Warning: label \"") + missing +
-                                         "\" not found. Skipping child labels.");
-        EXPECT_EQ(reported, std::string(missing) != "A1") << missing;
-    }
-    EXPECT_TRUE(capture.contains("Warning: label \"C1\" not found. Skipping child labels."));
 }
 
 TEST(SpatialGraphKorvaMeshLegacyTest, RefusesIncompleteOrLyingLayouts) {
