@@ -14,27 +14,6 @@ using namespace GraphFixtures;
 
 namespace {
 
-std::vector<int> incidence(const KxSpatialGraph& g, int v) {
-    const auto& list = g.getIncidentEdges(v);
-    return std::vector<int>(list.begin(), list.end());
-}
-
-std::vector<std::vector<int>> incidence(const KxSpatialGraph& g) {
-    std::vector<std::vector<int>> lists;
-    for (int v = 0; v < g.getNumVertices(); ++v) {
-        lists.push_back(incidence(g, v));
-    }
-    return lists;
-}
-
-std::vector<std::pair<int, int>> edges(const KxSpatialGraph& g) {
-    std::vector<std::pair<int, int>> result;
-    for (int e = 0; e < g.getNumEdges(); ++e) {
-        result.emplace_back(g.getEdgeSource(e), g.getEdgeTarget(e));
-    }
-    return result;
-}
-
 using Edges = std::vector<std::pair<int, int>>;
 using Ints = std::vector<int>;
 using Lists = std::vector<Ints>;
@@ -57,36 +36,36 @@ TEST(KxSpatialGraphTest, RemovingEdgesKeepsListOrderAndMovesLoopsDownTwice) {
     KxSpatialGraph bulk;
     build(g);
     build(bulk);
-    EXPECT_EQ(incidence(g, 1), (Ints{0, 2, 1}));
+    EXPECT_EQ(takeSnapshot(g).incidence[1], (Ints{0, 2, 1}));
     g.removeEdge(0);
     bulk.removeMultipleEdges(DArray<int>{0});
     for (const KxSpatialGraph* r : {&g, &bulk}) {
-        EXPECT_EQ(incidence(*r), (Lists{{}, {1, 0}, {0}, {1}}));
-        EXPECT_EQ(edges(*r), (Edges{{2, 1}, {1, 3}}));
+        EXPECT_EQ(takeSnapshot(*r).incidence, (Lists{{}, {1, 0}, {0}, {1}}));
+        EXPECT_EQ(takeSnapshot(*r).edges, (Edges{{2, 1}, {1, 3}}));
         expectConsistent(*r);
     }
 
     // A later self-loop moves down with both of its entries, one by one or in bulk.
     auto loop = makeLoop();
     loop->removeEdge(1);
-    EXPECT_EQ(incidence(*loop, 2), (Ints{1, 2, 2}));
-    EXPECT_EQ(edges(*loop), (Edges{{0, 1}, {2, 0}, {2, 2}}));
+    EXPECT_EQ(takeSnapshot(*loop).incidence[2], (Ints{1, 2, 2}));
+    EXPECT_EQ(takeSnapshot(*loop).edges, (Edges{{0, 1}, {2, 0}, {2, 2}}));
     auto loopBulk = makeLoop();
     loopBulk->removeMultipleEdges(DArray<int>{0, 1});
-    EXPECT_EQ(incidence(*loopBulk), (Lists{{0}, {}, {0, 1, 1}}));
+    EXPECT_EQ(takeSnapshot(*loopBulk).incidence, (Lists{{0}, {}, {0, 1, 1}}));
 }
 
 TEST(KxSpatialGraphTest, RemovingVerticesRenumbersEdgeEndsOnly) {
     auto g = makeTwoComponents();
     g->removeVertex(5);
     g->removeVertex(0);  // vertex 0 still has edge 0: the edge keeps index 0
-    EXPECT_EQ(edges(*g), (Edges{{0, 0}, {0, 1}, {2, 3}}));
+    EXPECT_EQ(takeSnapshot(*g).edges, (Edges{{0, 0}, {0, 1}, {2, 3}}));
 
     // An unknown end is stored without a list entry (no crash) and renumbering leaves it as it is.
     KxSpatialGraph h;
     h.addVertex(Vec3f(0, 0, 0));
     h.addEdge(0, 3);
-    EXPECT_EQ(incidence(h), (Lists{{0}}));
+    EXPECT_EQ(takeSnapshot(h).incidence, (Lists{{0}}));
     h.addVertex(Vec3f(1, 0, 0));
     h.addVertex(Vec3f(2, 0, 0));
     h.removeMultipleVertices(DArray<int>{1});
@@ -97,7 +76,7 @@ TEST(KxSpatialGraphTest, ReattachingMovesListEntryAndEndPoint) {
     auto g = makeY();
     g->setEdgeSource(2, 1);  // 3->0 becomes 1->0
     g->setEdgeTarget(0, 3);  // 0->1 becomes 0->3
-    EXPECT_EQ(incidence(*g), (Lists{{0, 1, 2}, {2}, {1}, {0}}));
+    EXPECT_EQ(takeSnapshot(*g).incidence, (Lists{{0, 1, 2}, {2}, {1}, {0}}));
     EXPECT_EQ(g->getEdgePoint(0, 2), g->getVertexCoords(3));
     expectConsistent(*g);
     // An end outside the graph has no coordinates to take: the points stay.
