@@ -128,69 +128,54 @@ TEST(SpatialGraphSelectionTest, SelectingAndDeselectingAllPoints) {
     EXPECT_EQ(contents(copy), "V 0 | E | A 1 3 | P 2:2");
 }
 
-TEST(SpatialGraphSelectionTest, AddSelectionUnitesBitsAndAppendsPoints) {
-    SpatialGraphSelection a(4, 4), b(4, 4);
-    a.selectVertex(0);
-    a.selectEdge(1);
-    a.selectPoint(pt(2, 1));
-    b.selectVertex(3);
-    b.selectAllPointsOnEdge(0);
-    b.selectPoint(pt(2, 1));
-    b.selectPoint(pt(3, 0));
-    a.addSelection(b);
-    EXPECT_EQ(contents(a), "V 0 3 | E 1 | A 0 | P 2:1 2:1 3:0");
-
-    // All-points bits shrunk by deselectAllPoints still receive other's bits.
-    SpatialGraphSelection c(4, 4);
-    c.deselectAllPoints();
-    c.addSelection(b);
-    EXPECT_EQ(contents(c), "V 3 | E | A 0 | P 2:1 3:0");
-    EXPECT_TRUE(c.isSameSize(b));
+// A 4 x 4 selection of the listed vertices, edges, all-points edges and points.
+SpatialGraphSelection made(std::initializer_list<int> vertices, std::initializer_list<int> edges,
+                           std::initializer_list<int> allPoints,
+                           std::initializer_list<SpatialGraphPoint> points) {
+    SpatialGraphSelection s(4, 4);
+    for (int v : vertices) {
+        s.selectVertex(v);
+    }
+    for (int e : edges) {
+        s.selectEdge(e);
+    }
+    for (int e : allPoints) {
+        s.selectAllPointsOnEdge(e);
+    }
+    for (const SpatialGraphPoint& p : points) {
+        s.selectPoint(p);
+    }
+    return s;
 }
 
-TEST(SpatialGraphSelectionTest, SubtractSelectionRemovesEveryEqualPoint) {
-    SpatialGraphSelection a(4, 4), b(4, 4);
-    a.selectAllVerticesAndEdges();
-    a.selectAllPointsOnEdge(1);
-    a.selectAllPointsOnEdge(2);
-    a.selectPoint(pt(0, 1));
-    a.selectPoint(pt(1, 1));
-    a.selectPoint(pt(0, 1));
-    a.selectPoint(pt(3, 2));
-    b.selectVertex(2);
-    b.selectEdge(0);
-    b.selectAllPointsOnEdge(2);
-    b.selectPoint(pt(0, 1));
-    b.selectPoint(pt(1, 1));
-    a.subtractSelection(b);
-    EXPECT_EQ(contents(a), "V 0 1 3 | E 1 2 3 | A 1 | P 3:2");
-    // Removed from the list, but still selected through edge 1's all-points bit.
-    EXPECT_TRUE(a.isPointSelected(pt(1, 1)));
-    EXPECT_FALSE(a.isPointSelected(pt(0, 1)));
-}
+TEST(SpatialGraphSelectionTest, SetOperationsCombineBitsAndPointLists) {
+    SpatialGraphSelection a = made({0, 1}, {1, 2}, {1, 3}, {pt(0, 1), pt(1, 0), pt(0, 1), pt(2, 0)});
+    const SpatialGraphSelection b = made({1, 3}, {0, 2}, {2, 3}, {pt(0, 1), pt(1, 0), pt(3, 0)});
+    SpatialGraphSelection sum = a;
+    sum.addSelection(b);
+    EXPECT_EQ(contents(sum), "V 0 1 3 | E 0 1 2 | A 1 2 3 | P 0:1 1:0 0:1 2:0 0:1 1:0 3:0");
 
-TEST(SpatialGraphSelectionTest, IntersectionKeepsCommonBitsAndListedPoints) {
-    SpatialGraphSelection a(4, 4), b(4, 4);
-    a.selectVertex(0);
-    a.selectVertex(1);
-    a.selectEdge(2);
-    a.selectAllPointsOnEdge(0);
-    a.selectAllPointsOnEdge(3);
-    a.selectPoint(pt(1, 0));
-    a.selectPoint(pt(2, 0));
-    a.selectPoint(pt(1, 0));
-    b.selectVertex(1);
-    b.selectEdge(3);
-    b.selectAllPointsOnEdge(3);
-    b.selectAllPointsOnEdge(2);
-    b.selectPoint(pt(1, 0));
+    // Every listed copy of other's points goes; 1:0 stays selected through edge 1's all-points bit.
+    SpatialGraphSelection difference = a;
+    difference.subtractSelection(b);
+    EXPECT_EQ(contents(difference), "V 0 | E 1 | A 1 | P 2:0");
+    EXPECT_TRUE(difference.isPointSelected(pt(1, 0)));
+    EXPECT_FALSE(difference.isPointSelected(pt(0, 1)));
 
+    // Only points listed in both stay: other's all-points bit on edge 2 does not keep 2:0.
     SpatialGraphSelection viaAnd = a;
     SpatialGraphSelection& result = viaAnd & b;
     EXPECT_EQ(&result, &viaAnd);
     a &= b;
     EXPECT_EQ(a, viaAnd);
-    EXPECT_EQ(contents(a), "V 1 | E | A 3 | P 1:0 1:0");
+    EXPECT_EQ(contents(a), "V 1 | E 2 | A 3 | P 0:1 1:0 0:1");
+
+    // All-points bits shrunk by deselectAllPoints still receive other's bits.
+    SpatialGraphSelection c(4, 4);
+    c.deselectAllPoints();
+    c.addSelection(b);
+    EXPECT_EQ(contents(c), "V 1 3 | E 0 2 | A 2 3 | P 0:1 1:0 3:0");
+    EXPECT_TRUE(c.isSameSize(b));
 }
 
 TEST(SpatialGraphSelectionTest, EqualityIgnoresPointOrderButNotSizesOrCounts) {
