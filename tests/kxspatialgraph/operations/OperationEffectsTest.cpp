@@ -35,7 +35,7 @@ std::vector<float> xs(const DArray<Vec3f>& points) {
 
 }  // namespace
 
-TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactlyAsSpecified) {
+TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactly) {
     const DArray<Vec3f> p{Vec3f(0, 0, 0), Vec3f(3, 1, 2), Vec3f(6, 5, 4), Vec3f(12, 0, 8), Vec3f(24, 2, 16)};
     struct Case {
         const char* name;
