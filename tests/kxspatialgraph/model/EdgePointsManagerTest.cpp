@@ -37,23 +37,7 @@ std::string layout(const EdgePointsManager& m) {
 
 }  // namespace
 
-TEST(EdgePointsManagerTest, AddAndRemoveSingleEdgesKeepOffsetsAsPrefixSums) {
-    EdgePointsManager m;
-    EXPECT_EQ(layout(m), " (0/0)");
-    m.addEdge(pointsFor(0, 2));
-    m.addEdge(pointsFor(1, 3));
-    EXPECT_EQ(layout(m), " 00 01 | 10 11 12 (2/5)");
-    m.removeEdge(0);
-    EXPECT_EQ(layout(m), " 10 11 12 (1/3)");
-    m.insertEdgeBefore(0, pointsFor(7, 4));
-    m.insertEdgeBefore(2, pointsFor(8, 1));  // at the end: appends
-    EXPECT_EQ(layout(m), " 70 71 72 73 | 10 11 12 | 80 (3/8)");
-    m.clear();
-    EXPECT_EQ(layout(m), " (0/0)");
-    EXPECT_EQ(m.getOffsets().size(), 1);
-}
-
-TEST(EdgePointsManagerTest, EditingPointsOfOneEdgeShiftsOnlyLaterEdges) {
+TEST(EdgePointsManagerTest, EditingEdgesAndTheirPointsShiftsOnlyLaterEdges) {
     EdgePointsManager m;
     for (int e = 0; e < 3; ++e) {
         m.addEdge(pointsFor(e, 3));
@@ -68,4 +52,12 @@ TEST(EdgePointsManagerTest, EditingPointsOfOneEdgeShiftsOnlyLaterEdges) {
     EXPECT_EQ(layout(m), " 60 61 62 63 64 | 50 | 20 999 888 21 22 (3/11)");
     m.removeEdgePoints(0, 1, 3);
     EXPECT_EQ(layout(m), " 60 64 | 50 | 20 999 888 21 22 (3/8)");
+    m.removeEdge(0);
+    m.insertEdgeBefore(0, pointsFor(7, 1));
+    m.insertEdgeBefore(3, pointsFor(8, 2));  // at the end: appends
+    EXPECT_EQ(layout(m), " 70 | 50 | 20 999 888 21 22 | 80 81 (4/9)");
+    m.clear();
+    EXPECT_EQ(layout(m), " (0/0)");
+    m.addEdge(pointsFor(1, 2));
+    EXPECT_EQ(layout(m), " 10 11 (1/2)");
 }

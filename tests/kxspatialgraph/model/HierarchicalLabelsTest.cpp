@@ -175,4 +175,9 @@ TEST(HierarchicalLabelsTest, GraphLabelGroupOperations) {
     KxParamBundle* loaded = g->parameters().addBundle("Loaded");
     HierarchicalLabels* first = g->addExistingLabelGroup(loaded);
     EXPECT_EQ(g->addExistingLabelGroup(loaded), first);
+
+    // Deleting a group's attribute keeps the group.
+    g->deleteAttribute(g->findVertexAttribute("Types"));
+    EXPECT_EQ(g->findVertexAttribute("Types"), nullptr);
+    EXPECT_NE(g->getLabelGroup("Types"), nullptr);
 }

@@ -40,53 +40,27 @@ protected:
 
 }  // namespace
 
-TEST_F(KxSpatialGraphCommandsTest, MergeRefusesWrongCallsThenAppendsTheNamedGraphAndFires) {
-    KxSpatialGraph* g = add(makeChain(3), "chain");
+TEST_F(KxSpatialGraphCommandsTest, MergeAndApplyTransformChangeTheGraphAndFireOnce) {
+    KxSpatialGraph* g = add(makeChain(2), "chain");
     add(makeY(), "y");
-    theObjectPool->add(new KxData, "plain");
-    GraphSnapshot before = takeSnapshot(*g);
-    const struct {
-        const char* script;
-        const char* line;
-    } cases[] = {
-        {"chain merge", "USAGE: merge otherDataSet"},
-        {"chain merge y chain", "USAGE: merge otherDataSet"},
-        {"chain merge nothing", "Data sets must be of same type"},
-        {"chain merge plain", "Data sets must be of same type"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.script);
-        KxMessageCapture capture;
-        error(c.script);
-        EXPECT_EQ(capture.lines(), Lines{c.line});
-        EXPECT_TRUE(sameGraph(before, *g));
-    }
-    EXPECT_TRUE(fired_.empty());
-
-    ok("chain merge y");
-    EXPECT_EQ(g->getNumVertices(), 7);
-    EXPECT_EQ(g->getNumEdges(), 5);
-    EXPECT_EQ(g->getEdgeSource(4), 6);
-    expectConsistent(*g);
+    ok("chain merge y");  // what a merge makes is checked below the console
+    EXPECT_EQ(g->getNumVertices(), 6);
     EXPECT_EQ(fired_, (std::vector<unsigned int>{KxData::ALL_PARTS}));
     EXPECT_TRUE(g->isModified());
-}
 
-TEST_F(KxSpatialGraphCommandsTest, ApplyTransformWarnsAboutExtraArgumentsAndFires) {
-    KxSpatialGraph* g = add(makeChain(2), "chain");
     ok("chain setTransform 2 0 0 0  0 2 0 0  0 0 2 0  5 6 7 1");
     fired_.clear();
     KxMessageCapture capture;
     ok("chain applyTransform now please");
     EXPECT_EQ(capture.lines(), Lines{"Warning: additional arguments ignored"});
     EXPECT_EQ(g->getVertexCoords(1), Vec3f(7, 6, 7));
-    EXPECT_TRUE(g->isTransformIdentity());
     EXPECT_EQ(fired_, (std::vector<unsigned int>{KxData::ALL_PARTS}));
-    expectConsistent(*g);
 }
 
-TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChanges) {
+TEST_F(KxSpatialGraphCommandsTest, CommandsRejectBadArgumentsWithoutChanges) {
     KxSpatialGraph* g = add(makeChain(2), "g");
+    add(makeY(), "y");
+    theObjectPool->add(new KxData, "plain");
     ok("g addAttribute Dir EDGE int 2");
     ok("g addLabelGroup Kind VERTEX");
     // Labels 1..98 each under the one before: the deepest a label may nest.
@@ -118,6 +92,10 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsRejectBadArgumentsWithoutChan
         {"g addLabel Kind 98 A 1 1 1", "Error: Labels nest at most 100 levels deep."},
         {"g getBoundingBox sideways", "USAGE: getBoundingBox ?transformed?"},
         {"g totalLength now", "USAGE: totalLength"},
+        {"g merge", "USAGE: merge otherDataSet"},
+        {"g merge y g", "USAGE: merge otherDataSet"},
+        {"g merge nothing", "Data sets must be of same type"},
+        {"g merge plain", "Data sets must be of same type"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script);

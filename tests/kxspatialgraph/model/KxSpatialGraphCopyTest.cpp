@@ -34,6 +34,12 @@ int vertexInt(const KxSpatialGraph& g, const char* name, int v) {
     return g.findVertexAttribute(name)->getIntDataAtIdx(v);
 }
 
+// Adds an int vertex attribute and sets one value.
+void setVertexInt(KxSpatialGraph& g, const char* name, int v, int value) {
+    static_cast<EdgeVertexAttribute*>(g.addAttribute(name, KxSpatialGraph::VERTEX, PrimType::INT32, 1))
+        ->setIntDataAtIdx(v, value);
+}
+
 SbMatrix translation(float x, float y, float z) {
     SbMatrix m;
     m.setTranslate(SbVec3f(x, y, z));
@@ -93,36 +99,7 @@ TEST(KxSpatialGraphCopyTest, MergeWithItselfAppendsVerticesEdgesAndValues) {
     }
 }
 
-TEST(KxSpatialGraphCopyTest, MergeMatchesAttributesByNameAndKeepsLabelGroups) {
-    auto g = makeChain(2);
-    auto* a =
-        static_cast<EdgeVertexAttribute*>(g->addAttribute("A", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
-    auto* b =
-        static_cast<EdgeVertexAttribute*>(g->addAttribute("B", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
-    a->setIntDataAtIdx(0, 1);
-    b->setIntDataAtIdx(0, 2);
-    g->addNewLabelGroup("Mine", false, false, true);
-
-    // Other declares its attributes in the opposite order and has its own group.
-    auto other = makeChain(2);
-    auto* otherB = static_cast<EdgeVertexAttribute*>(
-        other->addAttribute("B", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
-    auto* otherA = static_cast<EdgeVertexAttribute*>(
-        other->addAttribute("A", KxSpatialGraph::VERTEX, PrimType::INT32, 1));
-    otherA->setIntDataAtIdx(1, 11);
-    otherB->setIntDataAtIdx(1, 22);
-    other->addAttribute("Mine", KxSpatialGraph::POINT, PrimType::INT32, 1);
-    other->addNewLabelGroup("Theirs", false, false, false);
-
-    ASSERT_TRUE(g->merge(other.get()));
-    expectConsistent(*g);
-    EXPECT_EQ((std::vector<int>{vertexInt(*g, "A", 3), vertexInt(*g, "B", 3), vertexInt(*g, "A", 0)}),
-              (std::vector<int>{11, 22, 1}));
-    EXPECT_NE(g->getLabelGroup("Mine"), nullptr);
-    EXPECT_EQ(g->getLabelGroup("Theirs"), nullptr);
-}
-
-TEST(KxSpatialGraphCopyTest, MergeBringsOtherCoordinatesIntoThisFrame) {
+TEST(KxSpatialGraphCopyTest, MergeMatchesAttributesByNameAndBringsOtherIntoThisFrame) {
     // This graph is scaled by 2, other is shifted by 10 in x: other's local x
     // lands at (x + 10) / 2 in this graph's coordinates.
     auto g = makeChain(2);
@@ -131,9 +108,20 @@ TEST(KxSpatialGraphCopyTest, MergeBringsOtherCoordinatesIntoThisFrame) {
     g->setTransform(scale);
     auto other = makeChain(3);
     other->setTransform(translation(10, 0, 0));
+    // Other declares its attributes in the opposite order; its label group stays its own.
+    setVertexInt(*g, "A", 0, 1);
+    setVertexInt(*g, "B", 0, 2);
+    setVertexInt(*other, "B", 1, 22);
+    setVertexInt(*other, "A", 1, 11);
+    g->addNewLabelGroup("Mine", false, false, false);
+    other->addNewLabelGroup("Theirs", false, false, false);
 
     ASSERT_TRUE(g->merge(other.get()));
     expectConsistent(*g);
+    EXPECT_EQ((std::vector<int>{vertexInt(*g, "A", 3), vertexInt(*g, "B", 3), vertexInt(*g, "A", 0)}),
+              (std::vector<int>{11, 22, 1}));
+    EXPECT_NE(g->getLabelGroup("Mine"), nullptr);
+    EXPECT_EQ(g->getLabelGroup("Theirs"), nullptr);
     EXPECT_EQ(takeSnapshot(*g).coords,
               (std::vector<Vec3f>{{0, 0, 0}, {1, 0, 0}, {5, 0, 0}, {5.5f, 0, 0}, {6, 0, 0}}));
     EXPECT_EQ(g->getEdgePoint(2, 1), Vec3f(5.75f, 0, 0));  // other's midpoint (1.5, 0, 0)

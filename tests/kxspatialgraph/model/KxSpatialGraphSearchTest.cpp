@@ -51,6 +51,17 @@ TEST(KxSpatialGraphSearchTest, SearchesSelectTheExpectedElements) {
     auto ranked = [] { return makeRankedTree(true); };
     auto twoComponents = [] { return makeTwoComponents(); };
     const SearchCase cases[] = {
+        {"connected component", twoComponents,
+         [](const KxSpatialGraph& g) { return g.getConnectedComponent(2); }, "V:111000 E:110"},
+        {"a self-loop is selected and leads back to its vertex", makeLoop,
+         [](const KxSpatialGraph& g) { return g.getConnectedComponent(0); }, "V:111 E:1111"},
+        {"search does not follow selected edges", [] { return makeChain(5); },
+         [](const KxSpatialGraph& g) {
+             SpatialGraphSelection s = selectionFromBits(g, "", "0010");
+             g.depthFirstSearch(1, s);
+             return s;
+         },
+         "V:11100 E:1110"},
         // Shortest paths. makeLoop: 0-1 (e0), 1-2 (e1), 2-0 (e2), loop at 2 (e3).
         {"shortest path to itself", makeLoop, [](const KxSpatialGraph& g) { return g.getShortestPath(1, 1); },
          "V:010 E:0000"},
@@ -95,31 +106,23 @@ TEST(KxSpatialGraphSearchTest, SearchesSelectTheExpectedElements) {
         std::unique_ptr<KxSpatialGraph> g = c.graph();
         EXPECT_EQ(selectionBits(c.search(*g), false), c.expected);
     }
+    // Long chains must not exhaust the stack.
+    EXPECT_EQ(makeChain(100000)->getConnectedComponent(0).getNumSelectedEdges(), 99999);
 }
 
-TEST(KxSpatialGraphSearchTest, ComponentsAreCountedAndListedEdgesFirst) {
+TEST(KxSpatialGraphSearchTest, ComponentsAreCountedListedEdgesFirstAndCopiedOut) {
     auto g = makeTwoComponents();
-    struct Case {
-        const char* vertices;
-        const char* edges;
-        int count;
-    };
-    const Case counts[] = {{"", "", 0}, {"", "001", 1}, {"100000", "001", 2}, {"111111", "111", 3}};
-    for (const Case& c : counts) {
-        SCOPED_TRACE(std::string(c.vertices) + " " + c.edges);
-        EXPECT_EQ(g->getNumComponentsInSelection(selectionFromBits(*g, c.vertices, c.edges)), c.count);
-    }
+    addIdentityMarkers(*g);
+    EXPECT_EQ(g->getNumComponentsInSelection(selectionFromBits(*g, "", "001")), 1);
+    EXPECT_EQ(g->getNumComponentsInSelection(selectionFromBits(*g, "100000", "001")), 2);
     DArray<SpatialGraphSelection> all = g->getAllConnectedComponents(selectionFromBits(*g, "100001", "001"));
     ASSERT_EQ(all.size(), 3);
     EXPECT_EQ(selectionBits(all[0], false), "V:000110 E:001");
     EXPECT_EQ(selectionBits(all[1], false), "V:111000 E:110");
     EXPECT_EQ(selectionBits(all[2], false), "V:000001 E:000");
     EXPECT_FALSE(g->breadthFirstSearch(0, 5, all[0]));
-}
 
-TEST(KxSpatialGraphSearchTest, SubgraphKeepsTheSelectedElementsWithTheirValues) {
-    auto g = makeTwoComponents();
-    addIdentityMarkers(*g);
+    // The subgraph keeps the selected elements with their values.
     GraphSnapshot before = takeSnapshot(*g);
     std::unique_ptr<KxSpatialGraph> sub(g->getSubgraph(selectionFromBits(*g, "000111", "001")));
     EXPECT_TRUE(sameGraph(before, *g));

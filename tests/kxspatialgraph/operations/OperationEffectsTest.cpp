@@ -35,7 +35,7 @@ std::vector<float> xs(const DArray<Vec3f>& points) {
 
 }  // namespace
 
-TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactlyAsSpecified) {
+TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactly) {
     const DArray<Vec3f> p{Vec3f(0, 0, 0), Vec3f(3, 1, 2), Vec3f(6, 5, 4), Vec3f(12, 0, 8), Vec3f(24, 2, 16)};
     struct Case {
         const char* name;
@@ -81,22 +81,14 @@ TEST(OperationEffectsTest, VertexToPointJoinsPolylinesAndValuesTowardsTheFarEnds
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         KxSpatialGraph g;
-        Vec3f at[3] = {Vec3f(0, 0, 0), Vec3f(2, 0, 0), Vec3f(4, 0, 0)};
+        const Vec3f at[3] = {Vec3f(0, 0, 0), Vec3f(2, 0, 0), Vec3f(4, 0, 0)};
         for (const Vec3f& v : at) {
             g.addVertex(v);
         }
-        DArray<Vec3f> first = straightPoints(at[0], at[1], 3);
-        DArray<Vec3f> second{at[1], Vec3f(3, 0, 0), Vec3f(3.5f, 0, 0), at[2]};
-        if (c.firstStartsAtVertex) {
-            g.addEdge(1, 0, DArray<Vec3f>{first[2], first[1], first[0]});
-        } else {
-            g.addEdge(0, 1, first);
-        }
-        if (c.secondStartsAtVertex) {
-            g.addEdge(1, 2, second);
-        } else {
-            g.addEdge(2, 1, DArray<Vec3f>{second[3], second[2], second[1], second[0]});
-        }
+        const Vec3f p1(1, 0, 0), p3(3, 0, 0), p35(3.5f, 0, 0);
+        c.firstStartsAtVertex ? g.addEdge(1, 0, {at[1], p1, at[0]}) : g.addEdge(0, 1, {at[0], p1, at[1]});
+        c.secondStartsAtVertex ? g.addEdge(1, 2, {at[1], p3, p35, at[2]})
+                               : g.addEdge(2, 1, {at[2], p35, p3, at[1]});
         addIdentityMarkers(g);
         GraphSnapshot before = takeSnapshot(g);
         SpatialGraphSelection highlighted(&g);
@@ -106,8 +98,7 @@ TEST(OperationEffectsTest, VertexToPointJoinsPolylinesAndValuesTowardsTheFarEnds
         GraphSnapshot after = takeSnapshot(g);
         EXPECT_EQ(after.coords, (std::vector<Vec3f>{at[0], at[2]}));
         ASSERT_EQ(after.edges, (std::vector<std::pair<int, int>>{{0, 1}}));
-        EXPECT_EQ(after.points[0],
-                  (std::vector<Vec3f>{at[0], {1, 0, 0}, at[1], {3, 0, 0}, {3.5f, 0, 0}, at[2]}));
+        EXPECT_EQ(after.points[0], (std::vector<Vec3f>{at[0], p1, at[1], p3, p35, at[2]}));
         EXPECT_EQ(pointMarkers(g, 0), c.joinedMarkers);
         EXPECT_EQ(g.findEdgeAttribute("EdgeMarker")->getIntDataAtIdx(0), 2000);
         expectConsistent(g);

@@ -80,7 +80,7 @@ std::string outcome(const KxSpatialGraph& g, const Operation& op) {
 
 struct SetCase {
     const char* name;
-    std::function<Graph()> graph;
+    std::shared_ptr<KxSpatialGraph> graph;
     std::function<Operation*(KxSpatialGraph*)> make;
     std::vector<std::string> messages;
     const char* outcome;  // after exec
@@ -94,34 +94,28 @@ struct SetCase {
 TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
     const std::vector<SetCase> cases = {
         {"connect three chains nearest first, first pair wins a tie",
-         threeChains,
+         threeChains(),
          [](G* g) {
              return new ConnectSelectionOperationSet(g, select(g, {0, 2, 4}), everything(g));
          },
          {"Number of components in selection: 3"},
          "V6 H: E: 0-1 2-3 4-5 1-4 0-2"},
         {"closed loop as source",
-         [] {
-             return grow(makeLoop(), {{5, 0, 0}, {6, 0, 0}}, {{3, 4}});
-         },
+         grow(makeLoop(), {{5, 0, 0}, {6, 0, 0}}, {{3, 4}}),
          [](G* g) {
              return new ConnectSelectionOperationSet(g, select(g, {0, 3}), everything(g));
          },
          {"Number of components in selection: 2", "Source component has no end points. Not connecting."},
          "V5 H: E: 0-1 1-2 2-0 2-2 3-4"},
         {"closed loop as target",
-         [] {
-             return grow(makeChain(2), {{5, 0, 0}, {6, 0, 0}, {5, 1, 0}}, {{2, 3}, {3, 4}, {4, 2}});
-         },
+         grow(makeChain(2), {{5, 0, 0}, {6, 0, 0}, {5, 1, 0}}, {{2, 3}, {3, 4}, {4, 2}}),
          [](G* g) {
              return new ConnectSelectionOperationSet(g, select(g, {0, 2}), everything(g));
          },
          {"Number of components in selection: 2", "Target component has no end points. Not connecting."},
          "V5 H: E: 0-1 2-3 3-4 4-2"},
         {"vertices of degree 1, 2, 3",
-         [] {
-             return grow(makeY(), {{0, 9, 0}}, {{1, 4}});
-         },
+         grow(makeY(), {{0, 9, 0}}, {{1, 4}}),
          [](G* g) {
              return new MultipleVerticesToPointsOperationSet(g, select(g, {0, 1, 3}), everything(g));
          },
@@ -129,19 +123,17 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
           "Cannot convert node 0, number of incident segments is 3", "Converted 1 nodes to points"},
          "V4 H: E: 0-1 2-0 0-3"},
         {"vertex on a self-loop",
-         [] {
-             return grow(std::make_unique<KxSpatialGraph>(), {{1, 0, 0}}, {{0, 0}});
-         },
+         grow(std::make_unique<KxSpatialGraph>(), {{1, 0, 0}}, {{0, 0}}),
          [](G* g) { return new MultipleVerticesToPointsOperationSet(g, select(g, {0}), everything(g)); },
          {"Cannot convert node 0, as it is start and end of segment 0", "Converted 0 nodes to points"},
          "V1 H: E: 0-0"},
         {"find all convertible vertices",
-         [] { return makeChain(4); },
+         makeChain(4),
          [](G* g) { return new FindAndConvertVerticesToPointsOperationSet(g, select(g, {}), everything(g)); },
          {"Converted 2 nodes to points"},
          "V2 H: E: 0-1"},
         {"split an edge",
-         [] { return makeChain(3); },
+         makeChain(3),
          [](G* g) {
              return new SplitEdgeWithNewVertexOperationSet(g, Vec3f(1.2f, 1, 0), 1, 1, select(g, {}),
                                                            everything(g));
@@ -149,9 +141,7 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
          {},
          "V4 H: 3 E: 0-1 1-3 3-2"},
         {"split an edge and trace from a vertex",
-         [] {
-             return grow(makeChain(3), {{1.5f, 5, 0}}, {});
-         },
+         grow(makeChain(3), {{1.5f, 5, 0}}, {}),
          [](G* g) {
              return new SplitEdgeWithNewVertexAndConnectOperationSet(g, Vec3f(1.2f, 1, 0), 1, 1, nullptr,
                                                                      nullptr, select(g, {3}), everything(g));
@@ -159,7 +149,7 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
          {},
          "V5 H: 4 E: 0-1 1-4 4-2 3-4"},
         {"add a vertex and trace from a point",
-         [] { return makeChain(3); },
+         makeChain(3),
          [](G* g) {
              return new AddVertexAndConnectOperationSet(g, Vec3f(1.5f, 2, 0), nullptr, nullptr,
                                                         select(g, {}, {{1, 1}}), everything(g));
@@ -169,10 +159,10 @@ TEST(OperationSetTest, CompositeEditsReportAndUndoExactly) {
     };
     for (const SetCase& c : cases) {
         SCOPED_TRACE(c.name);
-        Graph g = c.graph();
+        KxSpatialGraph* g = c.graph.get();
         addIdentityMarkers(*g);
         GraphSnapshot before = takeSnapshot(*g);
-        std::unique_ptr<Operation> op(c.make(g.get()));
+        std::unique_ptr<Operation> op(c.make(g));
         KxMessageCapture capture;
         op->exec();
         EXPECT_EQ(capture.lines(), c.messages);
