@@ -34,28 +34,6 @@ std::string text(const LineSets& sets) {
     return s;
 }
 
-std::unique_ptr<KxSpatialGraph> makeGraph(const std::vector<Vec3f>& vertices,
-                                          const std::vector<std::pair<int, int>>& edges) {
-    auto g = std::make_unique<KxSpatialGraph>();
-    for (const Vec3f& v : vertices) {
-        g->addVertex(v);
-    }
-    for (auto [s, t] : edges) {
-        g->addEdge(s, t);
-    }
-    return g;
-}
-
-void setThickness(KxSpatialGraph& g, const std::vector<float>& perLine) {
-    auto* a = static_cast<PointAttribute*>(
-        g.addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
-    for (int e = 0; e < g.getNumEdges(); ++e) {
-        for (int p = 0; p < g.getNumEdgePoints(e); ++p) {
-            a->setFloatDataAtPoint(perLine[static_cast<size_t>(e)], e, p);
-        }
-    }
-}
-
 // Few places, so that ends coincide across vertices; -0 beside 0, now and
 // then a NaN vertex; self-loops and parallel lines on purpose.
 std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
@@ -64,29 +42,31 @@ std::unique_ptr<KxSpatialGraph> randomGraph(std::mt19937& rng) {
     for (int i = pick(7); i >= 0; --i) {
         places.emplace_back(float(pick(3)), float(pick(3)), float(pick(2)));
     }
-    std::vector<Vec3f> vertices;
+    auto g = std::make_unique<KxSpatialGraph>();
     for (int i = pick(12); i >= 0; --i) {
         Vec3f c = places[static_cast<size_t>(pick(static_cast<int>(places.size())))];
-        vertices.push_back(pick(30) == 0 ? Vec3f(NAN, 0, 0)
-                                         : (c == Vec3f(0, 0, 0) && pick(2) ? Vec3f(-0.0f, 0, 0) : c));
+        g->addVertex(pick(30) == 0 ? Vec3f(NAN, 0, 0)
+                                   : (c == Vec3f(0, 0, 0) && pick(2) ? Vec3f(-0.0f, 0, 0) : c));
     }
-    std::vector<std::pair<int, int>> edges;
-    int numVertices = static_cast<int>(vertices.size());
     for (int i = pick(30); i > 0; --i) {
-        int s = pick(numVertices), t = pick(numVertices);
+        int s = pick(g->getNumVertices()), t = pick(g->getNumVertices());
         if (pick(8) == 0) {
             t = s;
-        } else if (!edges.empty() && pick(6) == 0) {
-            std::tie(t, s) = edges[static_cast<size_t>(pick(static_cast<int>(edges.size())))];
+        } else if (g->getNumEdges() > 0 && pick(6) == 0) {
+            int twin = pick(g->getNumEdges());
+            t = g->getEdgeSource(twin);
+            s = g->getEdgeTarget(twin);
         }
-        edges.emplace_back(s, t);
+        g->addEdge(s, t);
     }
-    auto g = makeGraph(vertices, edges);
-    std::vector<float> thickness;
-    for (size_t e = 0; e < edges.size(); ++e) {
-        thickness.push_back(float(1 + pick(3)));
+    auto* thickness = static_cast<PointAttribute*>(
+        g->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
+    for (int e = 0; e < g->getNumEdges(); ++e) {
+        const float t = float(1 + pick(3));
+        for (int p = 0; p < g->getNumEdgePoints(e); ++p) {
+            thickness->setFloatDataAtPoint(t, e, p);
+        }
     }
-    setThickness(*g, thickness);
     if (pick(2)) {
         auto* ranks = static_cast<EdgeVertexAttribute*>(
             g->addAttribute("Ranks", KxSpatialGraph::EDGE, PrimType::INT32, 1));

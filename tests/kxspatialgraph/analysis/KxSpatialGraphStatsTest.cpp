@@ -1,6 +1,5 @@
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 
-#include <cmath>
 #include <memory>
 #include <string>
 

@@ -16,7 +16,6 @@
 #include "korva/core/KxObjectPool.h"
 #include "korva/data/KxColormap.h"
 #include "korva/data/KxSpreadSheet.h"
-#include "korva/gl/KxGLCapabilities.h"
 #include "korva/viewer/KxOffscreenRenderer.h"
 #include "korva/viewer/KxPickDispatch.h"
 #include "korva/viewer/KxViewer.h"
