@@ -126,26 +126,7 @@ TEST(SpatialGraphViewNodeTest, LinesFollowTheVisibleAndHighlightedEdgesInAttribu
     EXPECT_EQ(view.node.getLineSet(), nullptr);
 }
 
-TEST(SpatialGraphViewNodeTest, PointLayoutWholeEdgesFirstThenSinglePoints) {
-    ChainView view;
-    view.visible.selectPoint(SpatialGraphPoint(3, 1));
-    view.visible.selectAllPointsOnEdge(2);
-    view.visible.selectAllPointsOnEdge(0);
-    EXPECT_EQ(view.node.getPointIndex(0, 0, &view.visible), -1);  // no point set yet
-    view.node.makePoints(&view.visible);
-    SoPointSet* points = view.node.getPointSet();
-    ASSERT_NE(points, nullptr);
-    ASSERT_EQ(propertyOf(points)->vertex.getNum(), 2 + 4 + 1);
-    EXPECT_EQ(propertyOf(points)->vertex[2], SbVec3f(2, 0, 0));  // edge 2, point 0
-    EXPECT_EQ(propertyOf(points)->vertex[6], SbVec3f(4, 0, 0));  // edge 3, point 1
-    EXPECT_EQ(view.node.getPointIndex(0, 1, &view.visible), 1);
-    EXPECT_EQ(view.node.getPointIndex(2, 3, &view.visible), 5);
-    EXPECT_EQ(view.node.getPointIndex(3, 1, &view.visible), 6);
-    EXPECT_EQ(view.node.getPointIndex(3, 0, &view.visible), -1);  // edge 3 is not wholly selected
-    EXPECT_EQ(view.node.getPointIndex(1, 0, &view.visible), -1);
-}
-
-TEST(SpatialGraphViewNodeTest, PicksMapBackToEdgesPointsAndVertices) {
+TEST(SpatialGraphViewNodeTest, PointLayoutAndPicksMapBackToEdgesPointsAndVertices) {
     ChainView view;
     view.visible.selectEdge(0);
     view.visible.selectEdge(2);
@@ -168,19 +149,29 @@ TEST(SpatialGraphViewNodeTest, PicksMapBackToEdgesPointsAndVertices) {
     view.node.removeLines();
     view.node.removeHighlightedLines();
 
-    // Whole edges 0 and 1 as points, and the single point (2, 2) at x = 2 + 2/3.
+    // Points of whole edges first (0 and 2), then the single point (3, 1) at x = 4.
     SpatialGraphSelection points(5, 4);
+    points.selectPoint(SpatialGraphPoint(3, 1));
+    points.selectAllPointsOnEdge(2);
     points.selectAllPointsOnEdge(0);
-    points.selectAllPointsOnEdge(1);
-    points.selectPoint(SpatialGraphPoint(2, 2));
+    EXPECT_EQ(view.node.getPointIndex(0, 0, &points), -1);  // no point set yet
     view.node.makePoints(&points);
+    SoPointSet* set = view.node.getPointSet();
+    ASSERT_NE(set, nullptr);
+    ASSERT_EQ(propertyOf(set)->vertex.getNum(), 2 + 4 + 1);
+    EXPECT_EQ(propertyOf(set)->vertex[2], SbVec3f(2, 0, 0));  // edge 2, point 0
+    EXPECT_EQ(propertyOf(set)->vertex[6], SbVec3f(4, 0, 0));  // edge 3, point 1
+    EXPECT_EQ(view.node.getPointIndex(0, 1, &points), 1);
+    EXPECT_EQ(view.node.getPointIndex(2, 3, &points), 5);
+    EXPECT_EQ(view.node.getPointIndex(3, 1, &points), 6);
+    EXPECT_EQ(view.node.getPointIndex(3, 0, &points), -1);  // edge 3 is not wholly selected
+    EXPECT_EQ(view.node.getPointIndex(1, 0, &points), -1);
     {
         Pick pick(view.node.getSpatialGraphNode());
-        ASSERT_TRUE(
-            pick.at(view.node, points, view.highlighted, 2.0f + 2.0f / 3.0f, 0.0f, vertex, edge, point));
-        EXPECT_EQ(point, SpatialGraphPoint(2, 2));
-        ASSERT_TRUE(pick.at(view.node, points, view.highlighted, 1.5f, 0.0f, vertex, edge, point));
-        EXPECT_EQ(point, SpatialGraphPoint(1, 1));
+        ASSERT_TRUE(pick.at(view.node, points, view.highlighted, 2.0f, 0.0f, vertex, edge, point));
+        EXPECT_EQ(point, SpatialGraphPoint(2, 0));
+        ASSERT_TRUE(pick.at(view.node, points, view.highlighted, 4.0f, 0.0f, vertex, edge, point));
+        EXPECT_EQ(point, SpatialGraphPoint(3, 1));
     }
     view.node.removePoints();
 
