@@ -1,7 +1,6 @@
 #include "kxspatialgraph/analysis/KxComputeDistanceToPoint.h"
 
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,8 +20,6 @@
 #include "support/ModuleSessionTest.h"
 
 namespace {
-
-const float kMax = std::numeric_limits<float>::max();
 
 // The "DistanceToPoint" values of one edge of the module's result.
 std::vector<float> distances(const KxSpatialGraph& g, int e) {
@@ -59,53 +56,9 @@ protected:
         module_->fire();
         return g;
     }
-    const KxSpatialGraph& run(const char* refPoint) {
-        evalOk(tcl_, (std::string("D setRefPoint ") + refPoint).c_str());
-        std::string label = evalOk(tcl_, "D create");
-        auto* result = dynamic_cast<KxSpatialGraph*>(theObjectPool->find(label.c_str()));
-        EXPECT_NE(result, nullptr) << label;
-        return result ? *result : empty_;
-    }
-
     KxComputeDistanceToPoint* module_ = new KxComputeDistanceToPoint;
-    KxSpatialGraph empty_;
     TempDir dir_;
 };
-
-TEST_F(KxComputeDistanceToPointTest, GrowsBothWaysFromAnInteriorPoint) {
-    auto g = std::make_unique<KxSpatialGraph>();
-    g->addVertex(Vec3f(0, 0, 0));
-    g->addVertex(Vec3f(4, 0, 0));
-    g->addEdge(
-        0, 1,
-        DArray<Vec3f>{Vec3f(0, 0, 0), Vec3f(1, 0, 0), Vec3f(1.5f, 0, 0), Vec3f(3, 0, 0), Vec3f(4, 0, 0)});
-    attach(std::move(g));
-    EXPECT_EQ(distances(run("0 2"), 0), (std::vector<float>{1.5f, 0.5f, 0, 1.5f, 2.5f}));
-    EXPECT_EQ(evalOk(tcl_, "D referencePoint getValue"), "Coords: 1.5 0.0 0.0 Segment: 0 Point: 2 ");
-}
-
-TEST_F(KxComputeDistanceToPointTest, SpreadsThroughTheBranchVertexAndLeavesOtherComponentsAlone) {
-    // makeY: vertex 0 at the origin; edge 2 runs 3 -> 0 from (2, 0, -1).
-    attach(GraphFixtures::makeY());
-    const KxSpatialGraph& r = run("2 0");
-    float arm = std::sqrt(5.0f);
-    EXPECT_EQ(distances(r, 2), (std::vector<float>{0, arm}));
-    const float a0 = std::sqrt(5.0f) / 2, a1 = std::sqrt(5.25f) / 3;  // point spacing on edges 0 and 1
-    using testing::FloatNear;
-    EXPECT_THAT(distances(r, 0), testing::Pointwise(FloatNear(1e-5f), {arm, arm + a0, arm + 2 * a0}));
-    EXPECT_THAT(distances(r, 1),
-                testing::Pointwise(FloatNear(1e-5f), {arm, arm + a1, arm + 2 * a1, arm + 3 * a1}));
-
-    theObjectPool->clear();
-    module_ = new KxComputeDistanceToPoint;
-    theObjectPool->add(module_, "D");
-    attach(GraphFixtures::makeTwoComponents());
-    const KxSpatialGraph& two = run("2 3");
-    EXPECT_EQ(distances(two, 0), (std::vector<float>(3, kMax)));
-    EXPECT_EQ(distances(two, 1), (std::vector<float>(2, kMax)));
-    const float step = std::sqrt(10.0f) / 3;
-    EXPECT_THAT(distances(two, 2), testing::Pointwise(FloatNear(1e-5f), {3 * step, 2 * step, step, 0.0f}));
-}
 
 TEST_F(KxComputeDistanceToPointTest, SetRefPointChecksItsNumbersAndAnswersSnappedOnesRunTogether) {
     EXPECT_EQ(evalOk(tcl_, "D referencePoint getValue"), "No reference point set.");
@@ -133,7 +86,15 @@ TEST_F(KxComputeDistanceToPointTest, SavedStateRestoresReferenceAndResult) {
     evalOk(tcl_, ("load " + file + "; create KxComputeDistanceToPoint D; D data connect y.kxm").c_str());
     evalOk(tcl_, "D setRefPoint 1 2");
     std::string label = evalOk(tcl_, "D create");
-    GraphSnapshot before = takeSnapshot(*dynamic_cast<KxSpatialGraph*>(theObjectPool->find(label.c_str())));
+    const KxSpatialGraph& result = *dynamic_cast<KxSpatialGraph*>(theObjectPool->find(label.c_str()));
+    // From point 2 of edge 1 both ways along it, then through vertex 0 into edges 0 and 2.
+    const float a0 = std::sqrt(5.0f) / 2, a1 = std::sqrt(5.25f) / 3, d0 = 2 * a1;  // point spacings
+    using testing::FloatNear;
+    using testing::Pointwise;
+    EXPECT_THAT(distances(result, 1), Pointwise(FloatNear(1e-5f), {d0, a1, 0.0f, a1}));
+    EXPECT_THAT(distances(result, 0), Pointwise(FloatNear(1e-5f), {d0, d0 + a0, d0 + 2 * a0}));
+    EXPECT_THAT(distances(result, 2), Pointwise(FloatNear(1e-5f), {d0 + 2 * a0, d0}));
+    GraphSnapshot before = takeSnapshot(result);
     std::string state = KxSessionState::write(*theObjectPool);
     EXPECT_NE(state.find("{D} setRefPoint 1 2\n{D} setReferencePoint setValue 3 1\n{D} create;\n"),
               std::string::npos)

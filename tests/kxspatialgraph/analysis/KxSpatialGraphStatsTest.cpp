@@ -1,6 +1,5 @@
 #include "kxspatialgraph/analysis/KxSpatialGraphStats.h"
 
-#include <cmath>
 #include <memory>
 #include <string>
 
@@ -134,28 +133,20 @@ TEST_F(KxSpatialGraphStatsTest, SegmentAndLabelTablesWithUnlabeledRowAndWithoutE
     EXPECT_NEAR(labels.getFloat(4, 1), 14 * kPi, 1e-4f);
     // The second press reused and cleared the same spreadsheet.
     EXPECT_EQ(theObjectPool->find("cell.statistics"), sheet);
-}
 
-TEST_F(KxSpatialGraphStatsTest, PartialSelectionReadsLabelsFromTheFirstEdges) {
+    // Deliberately, a partial selection reads labels from the first edges:
+    // edge 1 shows edge 0's label, edge 2 edge 1's.
     SpatialGraphSelection selection(graph_);
     selection.selectEdge(1);
     selection.selectEdge(2);
     auto* holder = new SelectionHolder(selection);
     theObjectPool->add(holder, "selection");
     ASSERT_TRUE(stats_->portSelection.connect(holder));
-    KxSpreadSheet* sheet = run();
-    ASSERT_NE(sheet, nullptr);
-    // Edge 1 shows edge 0's label, edge 2 edge 1's.
-    EXPECT_EQ(columns(*sheet->getTable(0), {0, 4}), "1,2 | axon,<unlabeled>");
-}
+    EXPECT_EQ(columns(*run()->getTable(0), {0, 4}), "1,2 | axon,<unlabeled>");
 
-TEST_F(KxSpatialGraphStatsTest, WithoutLabelsOnlyTheSegmentTable) {
     graph_->deleteAttribute(graph_->findEdgeAttribute("Region"));
-    KxSpreadSheet* sheet = run();
-    ASSERT_NE(sheet, nullptr);
-    ASSERT_EQ(sheet->getNumTables(), 1);
+    ASSERT_EQ(run()->getNumTables(), 1) << "without labels only the segment table";
     EXPECT_EQ(sheet->getTable(0)->getNumColumns(), 4);
-    EXPECT_EQ(sheet->toCSV().substr(0, 46), "Segment Statistics\nSegment ID,Length,Mean Radi");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "kxspatialgraph/analysis/GraphUtils.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
+#include "kxspatialgraph/model/PointAttribute.h"
 
 namespace QuadraticLineAnalysis {
 
@@ -209,6 +210,19 @@ inline void loops(const KxSpatialGraph* g, LineSets& loops, Lines& loopy, const 
     }
 }
 
+// The first line of the loop with the smallest mean "thickness"; all count 0 without one.
+inline int thinnest(const KxSpatialGraph* g, const Lines& loop) {
+    const PointAttribute* t = g->findEdgePointAttribute("thickness");
+    auto mean = [&](int e) {
+        float sum = 0.0f;
+        for (int p = 0; t && p < g->getNumEdgePoints(e); ++p) {
+            sum += t->getFloatDataAtPoint(e, p);
+        }
+        return sum / static_cast<float>(g->getNumEdgePoints(e));
+    };
+    return *std::min_element(loop.begin(), loop.end(), [&](int a, int b) { return mean(a) < mean(b); });
+}
+
 inline Lines loopGeneratingLines(const KxSpatialGraph* g) {
     LineSets found;
     Lines loopy, lines;
@@ -223,9 +237,9 @@ inline Lines loopGeneratingLines(const KxSpatialGraph* g) {
         }
     }
     for (const Lines& loop : found) {
-        int thinnest = loop.size() > 2 ? GraphUtils::getThinnestLine(g, loop) : -1;
-        if (thinnest >= 0 && lines.find(thinnest) < 0) {
-            lines.append(thinnest);
+        int line = loop.size() > 2 ? thinnest(g, loop) : -1;
+        if (line >= 0 && lines.find(line) < 0) {
+            lines.append(line);
         }
     }
     return lines;

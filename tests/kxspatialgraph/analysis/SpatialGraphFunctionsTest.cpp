@@ -63,26 +63,6 @@ TEST(SpatialGraphFunctionsTest, RemovingContoursKeepsVerticesWithOtherEdges) {
     EXPECT_TRUE(sameGraph(unchanged, *expected));
 }
 
-TEST(SpatialGraphFunctionsTest, ResamplingInsertsEvenlySpacedPoints) {
-    struct Case {
-        float maxDistance;
-        int numPoints;
-        float spacing;
-    } cases[] = {{3, 5, 2.5f}, {5, 3, 5}, {10, 2, 10}, {20, 2, 10}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.maxDistance);
-        auto g = GraphFixtures::makeChain(2);
-        g->setVertexCoords(1, Vec3f(10, 0, 0));
-        g->setEdgePoint(0, 1, Vec3f(10, 0, 0));
-        ASSERT_TRUE(SpatialGraphFunctions::resampleWithMaximumPointDistance(g.get(), c.maxDistance));
-        ASSERT_EQ(g->getNumEdgePoints(0), c.numPoints);
-        for (int i = 1; i < c.numPoints; ++i) {
-            EXPECT_FLOAT_EQ(g->getEdgePoint(0, i).distance(g->getEdgePoint(0, i - 1)), c.spacing);
-        }
-        EXPECT_FLOAT_EQ(SpatialGraphFunctions::getEdgeLength(g.get(), 0), 10);
-    }
-}
-
 // Several gaps of one edge and several edges in one pass: the inserted points
 // land in their own gaps, and the old points keep their values.
 TEST(SpatialGraphFunctionsTest, ResamplingFillsEveryGapOfEveryEdgeAndRefusesBadDistances) {

@@ -16,7 +16,6 @@
 #include "korva/core/KxObjectPool.h"
 #include "korva/data/KxColormap.h"
 #include "korva/data/KxSpreadSheet.h"
-#include "korva/gl/KxGLCapabilities.h"
 #include "korva/viewer/KxOffscreenRenderer.h"
 #include "korva/viewer/KxPickDispatch.h"
 #include "korva/viewer/KxViewer.h"
@@ -125,19 +124,6 @@ void expectPickedNear(const std::string& line, float x, float y, float z) {
 
 }  // namespace
 
-TEST_F(KxSpatialGraphViewTest, PortsInCreationOrder) {
-    KxSpatialGraphView view;
-    std::string names;
-    for (int i = 0; i < view.getNumPorts(); ++i) {
-        names += std::string(view.getPort(i)->getName()) + " ";
-    }
-    EXPECT_EQ(
-        names,
-        "data itemsToShow Separator nodeScale nodeScaleFactor nodeColoring nodeLabelColoringOptions "
-        "nodeColormap nodeColor Separator segmentStyle tubeScale tubeScaleFactor segmentWidth "
-        "segmentColoring segmentLabelColoringOptions segmentColormap segmentColor pointSize Statistics ");
-}
-
 TEST_F(KxSpatialGraphViewTest, NewGraphShowsEverythingBoundsTheNodeScaleAndSetsTheRangeSets) {
     KxSpatialGraphView* view = show(makeTwoLines());  // largest extent 8: s = 0.8
     EXPECT_EQ(view->getVisibleSelection().getNumSelectedVertices(), 4);
@@ -173,8 +159,17 @@ TEST_F(KxSpatialGraphViewTest, NewGraphShowsEverythingBoundsTheNodeScaleAndSetsT
     EXPECT_EQ(impl.getCurrentSet(graph_, &view->portNodeColor), 10) << "another port counts as 2";
 }
 
-TEST_F(KxSpatialGraphViewTest, MenusListAttributesAndPortsFollowTheChoices) {
+TEST_F(KxSpatialGraphViewTest, PortsMenusListAttributesAndPortsFollowTheChoices) {
     KxSpatialGraphView* view = show(makeTwoLines());
+    std::string names;
+    for (int i = 0; i < view->getNumPorts(); ++i) {
+        names += std::string(view->getPort(i)->getName()) + " ";
+    }
+    EXPECT_EQ(
+        names,
+        "data itemsToShow Separator nodeScale nodeScaleFactor nodeColoring nodeLabelColoringOptions "
+        "nodeColormap nodeColor Separator segmentStyle tubeScale tubeScaleFactor segmentWidth "
+        "segmentColoring segmentLabelColoringOptions segmentColormap segmentColor pointSize Statistics ");
     EXPECT_EQ(view->portNodeColoring.getNumItems(), 2);
     ASSERT_EQ(view->portSegmentColoring.getNumItems(), 3);
     EXPECT_STREQ(view->portSegmentColoring.getItemLabel(1), "Kind");
@@ -224,6 +219,10 @@ TEST_F(KxSpatialGraphViewTest, VisibilityCommandsRoundTripAndAreSaved) {
     evalOk(tcl_, "V setVisibility [V getVisibility]");
     evalOk(tcl_, ("V setVisibility {" + saved + "}").c_str());
     EXPECT_EQ(evalOk(tcl_, "V getVisibility"), saved);
+    evalOk(tcl_, "V nodeScaleFactor setValue 0.4; V segmentStyle setValue 2 1; V segmentColoring setValue 2");
+    KxOffscreenRenderer renderer(100, 100);
+    render(view, renderer);
+    EXPECT_EQ(coverage(renderer, 0.0f, {2.0f, -2.0f}), std::vector<bool>({false, true})) << "edge 0 hidden";
 
     std::string state;
     view->savePorts(state);
@@ -363,17 +362,4 @@ TEST_F(KxSpatialGraphViewTest, TubesAndLinesShowLabelColoursColormapEndsAndHighl
     render(view, renderer);
     EXPECT_TRUE(pixelNear(renderer, pixelColumn(0), pixelRow(2), SbColor(0, 1, 0), 10, why)) << why;
     EXPECT_TRUE(pixelNear(renderer, pixelColumn(0), pixelRow(-2), SbColor(1, 0, 0), 10, why)) << why;
-}
-
-TEST_F(KxSpatialGraphViewTest, RestoredVisibilityHidesWhatItHid) {
-    KxSpatialGraphView* view = show(makeTwoLines());
-    evalOk(tcl_, "V nodeScaleFactor setValue 0.4; V segmentStyle setValue 2 1; V segmentColoring setValue 2");
-    setVisibility({3}, {0});
-    std::string visibility = evalOk(tcl_, "V getVisibility");
-    setVisibility({0, 1, 2, 3}, {0, 1});
-    evalOk(tcl_, ("V setVisibility " + visibility).c_str());
-    KxOffscreenRenderer renderer(100, 100);
-    render(view, renderer);
-    std::vector<bool> shown = coverage(renderer, 0.0f, {2.0f, -2.0f});
-    EXPECT_EQ(shown, std::vector<bool>({true, false})) << "edge 1 is hidden";
 }

@@ -87,54 +87,37 @@ struct TubeScene {
 
 }  // namespace
 
-TEST(SoTubeSetRenderTest, ConstantColourTubeWidthAndPointAttributeColours) {
-    TubeScene scene;
-    KxOffscreenRenderer renderer(100, 100);
-    ASSERT_TRUE(renderer.render(scene.root));
-    EXPECT_HUE(renderer, 0.0f, 2.0f, kYellow);
-    EXPECT_HUE(renderer, -2.0f, 2.3f, kYellow);  // inside radius 0.5
-    EXPECT_BACKGROUND(renderer, -2.0f, 2.7f);    // outside it
-    EXPECT_HUE(renderer, 0.0f, -2.0f, kYellow);
-    EXPECT_HUE(renderer, 3.0f, 0.0f, kYellow);  // the end cap of the axial tube
-    EXPECT_BACKGROUND(renderer, 0.0f, 0.0f);
-
-    // Radius per point and the scale uniform change the width without new geometry.
-    const float radii[] = {3.0f, 3.0f, 3.0f};
-    scene.tubes->setLineRadii(0, radii);
-    scene.tubes->setConstantRadius(false);
-    scene.tubes->touch();
-    ASSERT_TRUE(renderer.render(scene.root));
-    EXPECT_HUE(renderer, -2.0f, 3.3f, kYellow);  // 1.3 from the axis, within 3 × 0.5
-
-    // Colours by a point attribute run along the colormap.
-    scene.colourByPoints();
-    ASSERT_TRUE(renderer.render(scene.root));
-    EXPECT_HUE(renderer, -3.7f, 2.0f, kBlue);  // value near 0
-    EXPECT_HUE(renderer, 3.7f, 2.0f, kRed);    // value near 10
-    EXPECT_HUE(renderer, 0.0f, -2.0f, kRed);   // 10 all along
-    EXPECT_HUE(renderer, 3.0f, 0.0f, kBlue);   // the cap takes the end point's value
-
-    // A window of range 0 maps every value to the first entry.
-    scene.tubes->setColormapDataWindow(5.0f, 5.0f);
-    scene.tubes->touch();
-    ASSERT_TRUE(renderer.render(scene.root));
-    EXPECT_HUE(renderer, 3.7f, 2.0f, kBlue);
-    EXPECT_HUE(renderer, 0.0f, -2.0f, kBlue);
-}
-
-TEST(SoTubeSetRenderTest, HighlightColourAndHiddenTubes) {
+TEST(SoTubeSetRenderTest, WidthsColoursHighlightsAndHiddenTubes) {
     TubeScene scene;
     scene.tubes->setHighlightColor(kGreen);
     scene.tubes->highlighted.set1Value(1, 1);
     KxOffscreenRenderer renderer(100, 100);
     ASSERT_TRUE(renderer.render(scene.root));
     EXPECT_HUE(renderer, 0.0f, 2.0f, kYellow);
+    EXPECT_HUE(renderer, -2.0f, 2.3f, kYellow);  // inside radius 0.5
+    EXPECT_BACKGROUND(renderer, -2.0f, 2.7f);    // outside it
     EXPECT_HUE(renderer, 0.0f, -2.0f, kGreen);
+    EXPECT_HUE(renderer, 3.0f, 0.0f, kYellow);  // the end cap of the axial tube
+    EXPECT_BACKGROUND(renderer, 0.0f, 0.0f);
 
+    // Radii per point; colours by a point attribute run along the colormap.
+    const float radii[] = {3.0f, 3.0f, 3.0f};
+    scene.tubes->setLineRadii(0, radii);
+    scene.tubes->setConstantRadius(false);
     scene.colourByPoints();
-    scene.tubes->highlighted.set1Value(2, 1);
     ASSERT_TRUE(renderer.render(scene.root));
-    EXPECT_HUE(renderer, 3.7f, 2.0f, kRed);
+    EXPECT_HUE(renderer, -3.7f, 2.0f, kBlue);  // value near 0
+    EXPECT_HUE(renderer, -3.7f, 3.3f, kBlue);  // 1.3 from the axis, within 3 × 0.5
+    EXPECT_HUE(renderer, 3.7f, 2.0f, kRed);    // value near 10
+    EXPECT_HUE(renderer, 0.0f, -2.0f, kGreen);
+    EXPECT_HUE(renderer, 3.0f, 0.0f, kBlue);  // the cap takes the end point's value
+
+    // A window of range 0 maps every value to the first entry.
+    scene.tubes->setColormapDataWindow(5.0f, 5.0f);
+    scene.tubes->highlighted.set1Value(2, 1);
+    scene.tubes->touch();
+    ASSERT_TRUE(renderer.render(scene.root));
+    EXPECT_HUE(renderer, 3.7f, 2.0f, kBlue);
     EXPECT_HUE(renderer, 0.0f, -2.0f, kGreen);
     EXPECT_HUE(renderer, 3.0f, 0.0f, kGreen);  // highlighted cap
 
@@ -154,8 +137,17 @@ TEST(SoTubeSetRenderTest, HighlightColourAndHiddenTubes) {
     EXPECT_BACKGROUND(renderer, 3.0f, 0.0f);
 }
 
-TEST(SoTubeSetRenderTest, OneRecordPerContextAndDestroyedContextsForgotten) {
+// One record per context, forgotten when its context is destroyed; every GL
+// name a record creates is gone after its context's destruction callback:
+// checked from a callback node drawn after the tubes, while their context is
+// still current.
+TEST(SoTubeSetRenderTest, OneRecordPerContextFreedWithEveryNameItCreated) {
     TubeScene scene;
+    scene.colourByPoints();  // per-point colours and radii use every buffer
+    const float radii[] = {1.0f, 2.0f, 1.0f};
+    scene.tubes->setLineRadii(0, radii);
+    scene.tubes->setConstantRadius(false);
+    scene.tubes->touch();
     auto first = std::make_unique<KxOffscreenRenderer>(40, 40);
     auto second = std::make_unique<KxOffscreenRenderer>(40, 40);
     ASSERT_TRUE(first->render(scene.root));
@@ -168,21 +160,7 @@ TEST(SoTubeSetRenderTest, OneRecordPerContextAndDestroyedContextsForgotten) {
     second.reset();
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 1);
     EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*scene.tubes, secondId), nullptr);
-    // Rendering again in the surviving context uploads nothing new and still draws.
-    ASSERT_TRUE(first->render(scene.root));
-    EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 1);
-}
 
-// Every GL name a context's record creates is gone after the context's
-// destruction callback: checked from a callback node drawn after the tubes,
-// while their context is still current.
-TEST(SoTubeSetRenderTest, DestroyedContextFreesEveryNameItCreated) {
-    TubeScene scene;
-    scene.colourByPoints();  // per-point colours and radii use every buffer
-    const float radii[] = {1.0f, 2.0f, 1.0f};
-    scene.tubes->setLineRadii(0, radii);
-    scene.tubes->setConstantRadius(false);
-    scene.tubes->touch();
     struct Check {
         SoTubeSet* tubes;
         int namesBefore = 0, namesAfter = 0, expected = 0;
@@ -215,8 +193,7 @@ TEST(SoTubeSetRenderTest, DestroyedContextFreesEveryNameItCreated) {
         },
         &check);
     scene.root->addChild(callback);
-    KxOffscreenRenderer renderer(40, 40);
-    ASSERT_TRUE(renderer.render(scene.root));
+    ASSERT_TRUE(first->render(scene.root));
     EXPECT_EQ(check.namesBefore, check.expected);
     EXPECT_EQ(check.namesAfter, 0);
     EXPECT_EQ(SoTubeSetTestAccess::numContextGroups(*scene.tubes), 0);

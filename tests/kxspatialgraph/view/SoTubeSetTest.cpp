@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 
@@ -22,9 +24,18 @@ KxColormap blueToRed() {
     return KxColormap(2, rgba, 0.0f, 1.0f);
 }
 
+// The x range of the tubes' bounding box.
+std::pair<float, float> xRange(SoTubeSet* tubes) {
+    SoGetBoundingBoxAction action(SbViewportRegion(10, 10));
+    action.apply(tubes);
+    SbVec3f lo, hi;
+    action.getBoundingBox().getBounds(lo, hi);
+    return {lo[0], hi[0]};
+}
+
 }  // namespace
 
-TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
+TEST(SoTubeSetTest, ContextRecordsDirtyFlagHandOverAndBoundingBox) {
     SoTubeSet* tubes = makeTubeSet();
     // No lines: nothing to draw, no record.
     EXPECT_EQ(SoTubeSetTestAccess::prepareContext(*tubes, 7), nullptr);
@@ -62,6 +73,15 @@ TEST(SoTubeSetTest, ContextRecordsAndDirtyFlagHandOver) {
     EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*tubes, 7), nullptr);
     EXPECT_EQ(SoTubeSetTestAccess::contextGroup(*tubes, 8), second);
     SoTubeSetTestAccess::destroyContext(*tubes, 8);
+
+    // Deliberate: the box's margin is the largest radius, never below one scale unit.
+    tubes->setConstantRadius(false);
+    tubes->setTubeScale(2.0f);
+    EXPECT_EQ(xRange(tubes), std::make_pair(-6.0f, 7.0f));
+    const float small[] = {0.1f, 0.2f};
+    tubes->setLineRadii(0, small);
+    tubes->touch();
+    EXPECT_EQ(xRange(tubes), std::make_pair(-2.0f, 3.0f));
     tubes->unref();
 }
 
@@ -92,35 +112,5 @@ TEST(SoTubeSetTest, PerLineColoursFollowTheDataWindow) {
     EXPECT_EQ(SoTubeSetTestAccess::lineColor(*tubes, 1), SbColor(1, 1, 0));
     // Deliberate: the fourth float of every colormap entry repeats red.
     EXPECT_EQ(SoTubeSetTestAccess::colormap(*tubes)[4 * 255 + 3], 1.0f);
-    tubes->unref();
-}
-
-TEST(SoTubeSetTest, BoundingBoxMarginNeverBelowOneScaleUnit) {
-    SoTubeSet* tubes = makeTubeSet();
-    const Vec3f line[] = {Vec3f(0, 0, 0), Vec3f(4, 0, 0)};
-    const float small[] = {0.1f, 0.2f};
-    const float large[] = {0.5f, 3.0f};
-    tubes->setNumLines(1);
-    tubes->setLine(0, 2, line);
-    tubes->setLineRadii(0, small);
-    tubes->setConstantRadius(false);
-    tubes->setTubeScale(2.0f);
-    auto xRange = [&](float& lo, float& hi) {
-        SoGetBoundingBoxAction action(SbViewportRegion(10, 10));
-        action.apply(tubes);
-        SbVec3f a, b;
-        action.getBoundingBox().getBounds(a, b);
-        lo = a[0];
-        hi = b[0];
-    };
-    float lo, hi;
-    xRange(lo, hi);
-    EXPECT_FLOAT_EQ(lo, -2.0f);
-    EXPECT_FLOAT_EQ(hi, 6.0f);
-    tubes->setLineRadii(0, large);
-    tubes->touch();
-    xRange(lo, hi);
-    EXPECT_FLOAT_EQ(lo, -6.0f);
-    EXPECT_FLOAT_EQ(hi, 10.0f);
     tubes->unref();
 }

@@ -6,10 +6,7 @@
 #include <Inventor/nodes/SoSeparator.h>
 
 #include "korva/core/KxMessageCapture.h"
-#include "korva/core/KxSpatialData.h"
 #include "korva/viewer/KxOffscreenRenderer.h"
-#include "korva/viewer/KxSceneBuilders.h"
-#include "kxspatialgraph/KxSpatialGraphPackage.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "kxspatialgraph/view/SpatialGraphDefaultScene.h"
@@ -76,17 +73,4 @@ TEST(SpatialGraphDefaultSceneTest, LegacyTubesCoverTheSamePlaceAsGpuTubes) {
     EXPECT_TRUE(pixelHue(renderer, pixelColumn(0), pixelRow(1), SbColor(1, 1, 1), why)) << why;
     EXPECT_EQ(coverage(renderer, 1.0f, kProbes), gpu);
     renderer.writeImage(testOutputPath("default_scene_legacy.png").c_str());
-}
-
-TEST(SpatialGraphDefaultSceneTest, PackageRegistersTheSceneOfItsGraphs) {
-    korvapackage_kxspatialgraph_init();
-    auto graph = makeTwoTubes();
-    ASSERT_TRUE(theSceneBuilders->hasBuilder(graph.get()));
-    SoNode* scene = theSceneBuilders->build(graph.get());
-    ASSERT_NE(scene, nullptr);
-    scene->ref();
-    scene->unref();
-    KxSpatialData other;
-    EXPECT_FALSE(theSceneBuilders->hasBuilder(&other));
-    EXPECT_EQ(theSceneBuilders->build(&other), nullptr);
 }

@@ -57,7 +57,7 @@ struct Pick {
 
 }  // namespace
 
-TEST(SpatialGraphViewNodeTest, LinesFollowTheVisibleAndHighlightedEdges) {
+TEST(SpatialGraphViewNodeTest, LinesFollowTheVisibleAndHighlightedEdgesInAttributeColours) {
     ChainView view;
     view.visible.selectEdge(1);
     view.visible.selectEdge(3);
@@ -69,6 +69,46 @@ TEST(SpatialGraphViewNodeTest, LinesFollowTheVisibleAndHighlightedEdges) {
     EXPECT_EQ(lines->numVertices[1], 2);
     ASSERT_EQ(propertyOf(lines)->vertex.getNum(), 5);
     EXPECT_EQ(propertyOf(lines)->vertex[3], SbVec3f(3, 0, 0));  // first point of edge 3
+    SoVertexProperty* property = propertyOf(lines);
+    view.node.setLineColor(&view.visible, nullptr, false);
+    EXPECT_EQ(property->materialBinding.getValue(), SoVertexProperty::OVERALL);
+
+    // Point attribute through the edge colormap port: black at 0, white at 10.
+    auto* depth = static_cast<PointAttribute*>(
+        view.graph->addAttribute("Depth", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
+    for (int e = 0; e < 4; ++e) {
+        for (int p = 0; p < view.graph->getNumEdgePoints(e); ++p) {
+            depth->setFloatDataAtPoint(e == 3 ? 10.0f : 0.0f, e, p);
+        }
+    }
+    const float rgba[] = {0, 0, 0, 1, 1, 1, 1, 1};
+    KxColormap colormap(2, rgba, 0.0f, 10.0f);
+    KxPortColormap port;
+    port.setColormap(&colormap);
+    view.node.setEdgeColormapPort(&port);
+    view.node.setLineColor(&view.visible, depth, false);
+    EXPECT_EQ(property->materialBinding.getValue(), SoVertexProperty::PER_VERTEX);
+    ASSERT_EQ(property->orderedRGBA.getNum(), 5);
+    EXPECT_EQ(property->orderedRGBA[0], SbColor(0, 0, 0).getPackedValue(0.0f));
+    EXPECT_EQ(property->orderedRGBA[4], SbColor(1, 1, 1).getPackedValue(0.0f));
+
+    // Edge label attribute: label colours per line; a value without a label is black.
+    view.graph->addNewLabelGroup("Region", true, false, false);
+    int red = view.graph->addLabel("Region", 0, "Red", SbColor(1, 0, 0));
+    auto* region = view.graph->findEdgeAttribute("Region");
+    ASSERT_NE(region, nullptr);
+    const int values[] = {red, 77, 0, red};
+    for (int e = 0; e < 4; ++e) {
+        region->setIntDataAtIdx(e, values[e]);
+    }
+    view.node.setLineColor(&view.visible, region, false);
+    EXPECT_EQ(property->materialBinding.getValue(), SoVertexProperty::PER_FACE);
+    ASSERT_EQ(property->orderedRGBA.getNum(), 2);
+    EXPECT_EQ(property->orderedRGBA[0], SbColor(0, 0, 0).getPackedValue(0.0f));  // undefined label
+    EXPECT_EQ(property->orderedRGBA[1], SbColor(1, 0, 0).getPackedValue(0.0f));
+    // noLabelColors: the same values through the colormap instead.
+    view.node.setLineColor(&view.visible, region, true);
+    EXPECT_EQ(property->orderedRGBA[0], SbColor(1, 1, 1).getPackedValue(0.0f));
 
     // Highlighted lines: highlighted ∩ visible, one pixel wider, in the highlight colour.
     view.highlighted.selectEdge(0);
@@ -86,26 +126,7 @@ TEST(SpatialGraphViewNodeTest, LinesFollowTheVisibleAndHighlightedEdges) {
     EXPECT_EQ(view.node.getLineSet(), nullptr);
 }
 
-TEST(SpatialGraphViewNodeTest, PointLayoutWholeEdgesFirstThenSinglePoints) {
-    ChainView view;
-    view.visible.selectPoint(SpatialGraphPoint(3, 1));
-    view.visible.selectAllPointsOnEdge(2);
-    view.visible.selectAllPointsOnEdge(0);
-    EXPECT_EQ(view.node.getPointIndex(0, 0, &view.visible), -1);  // no point set yet
-    view.node.makePoints(&view.visible);
-    SoPointSet* points = view.node.getPointSet();
-    ASSERT_NE(points, nullptr);
-    ASSERT_EQ(propertyOf(points)->vertex.getNum(), 2 + 4 + 1);
-    EXPECT_EQ(propertyOf(points)->vertex[2], SbVec3f(2, 0, 0));  // edge 2, point 0
-    EXPECT_EQ(propertyOf(points)->vertex[6], SbVec3f(4, 0, 0));  // edge 3, point 1
-    EXPECT_EQ(view.node.getPointIndex(0, 1, &view.visible), 1);
-    EXPECT_EQ(view.node.getPointIndex(2, 3, &view.visible), 5);
-    EXPECT_EQ(view.node.getPointIndex(3, 1, &view.visible), 6);
-    EXPECT_EQ(view.node.getPointIndex(3, 0, &view.visible), -1);  // edge 3 is not wholly selected
-    EXPECT_EQ(view.node.getPointIndex(1, 0, &view.visible), -1);
-}
-
-TEST(SpatialGraphViewNodeTest, PicksMapBackToEdgesPointsAndVertices) {
+TEST(SpatialGraphViewNodeTest, PointLayoutAndPicksMapBackToEdgesPointsAndVertices) {
     ChainView view;
     view.visible.selectEdge(0);
     view.visible.selectEdge(2);
@@ -128,19 +149,29 @@ TEST(SpatialGraphViewNodeTest, PicksMapBackToEdgesPointsAndVertices) {
     view.node.removeLines();
     view.node.removeHighlightedLines();
 
-    // Whole edges 0 and 1 as points, and the single point (2, 2) at x = 2 + 2/3.
+    // Points of whole edges first (0 and 2), then the single point (3, 1) at x = 4.
     SpatialGraphSelection points(5, 4);
+    points.selectPoint(SpatialGraphPoint(3, 1));
+    points.selectAllPointsOnEdge(2);
     points.selectAllPointsOnEdge(0);
-    points.selectAllPointsOnEdge(1);
-    points.selectPoint(SpatialGraphPoint(2, 2));
+    EXPECT_EQ(view.node.getPointIndex(0, 0, &points), -1);  // no point set yet
     view.node.makePoints(&points);
+    SoPointSet* set = view.node.getPointSet();
+    ASSERT_NE(set, nullptr);
+    ASSERT_EQ(propertyOf(set)->vertex.getNum(), 2 + 4 + 1);
+    EXPECT_EQ(propertyOf(set)->vertex[2], SbVec3f(2, 0, 0));  // edge 2, point 0
+    EXPECT_EQ(propertyOf(set)->vertex[6], SbVec3f(4, 0, 0));  // edge 3, point 1
+    EXPECT_EQ(view.node.getPointIndex(0, 1, &points), 1);
+    EXPECT_EQ(view.node.getPointIndex(2, 3, &points), 5);
+    EXPECT_EQ(view.node.getPointIndex(3, 1, &points), 6);
+    EXPECT_EQ(view.node.getPointIndex(3, 0, &points), -1);  // edge 3 is not wholly selected
+    EXPECT_EQ(view.node.getPointIndex(1, 0, &points), -1);
     {
         Pick pick(view.node.getSpatialGraphNode());
-        ASSERT_TRUE(
-            pick.at(view.node, points, view.highlighted, 2.0f + 2.0f / 3.0f, 0.0f, vertex, edge, point));
-        EXPECT_EQ(point, SpatialGraphPoint(2, 2));
-        ASSERT_TRUE(pick.at(view.node, points, view.highlighted, 1.5f, 0.0f, vertex, edge, point));
-        EXPECT_EQ(point, SpatialGraphPoint(1, 1));
+        ASSERT_TRUE(pick.at(view.node, points, view.highlighted, 2.0f, 0.0f, vertex, edge, point));
+        EXPECT_EQ(point, SpatialGraphPoint(2, 0));
+        ASSERT_TRUE(pick.at(view.node, points, view.highlighted, 4.0f, 0.0f, vertex, edge, point));
+        EXPECT_EQ(point, SpatialGraphPoint(3, 1));
     }
     view.node.removePoints();
 
@@ -157,56 +188,6 @@ TEST(SpatialGraphViewNodeTest, PicksMapBackToEdgesPointsAndVertices) {
         EXPECT_FALSE(pick.at(view.node, view.visible, view.highlighted, 1.0f, 0.0f, vertex, edge, point));
     }
     EXPECT_FALSE(view.node.getPickedElement(&view.visible, &view.highlighted, nullptr, vertex, edge, point));
-}
-
-TEST(SpatialGraphViewNodeTest, LineColoursFromPointEdgeAndLabelAttributes) {
-    ChainView view;
-    view.visible.selectAllEdges();
-    view.node.makeLines(&view.visible);
-    SoVertexProperty* property = propertyOf(view.node.getLineSet());
-    view.node.setLineColor(&view.visible, nullptr, false);
-    EXPECT_EQ(property->materialBinding.getValue(), SoVertexProperty::OVERALL);
-    EXPECT_EQ(property->orderedRGBA[0], SbColor(0.8f, 0.8f, 0.8f).getPackedValue(0.0f));
-
-    // Point attribute through the edge colormap port: black at 0, white at 10.
-    auto* depth = static_cast<PointAttribute*>(
-        view.graph->addAttribute("Depth", KxSpatialGraph::POINT, PrimType::FLOAT32, 1));
-    for (int e = 0; e < 4; ++e) {
-        for (int p = 0; p < view.graph->getNumEdgePoints(e); ++p) {
-            depth->setFloatDataAtPoint(e == 3 ? 10.0f : 0.0f, e, p);
-        }
-    }
-    const float rgba[] = {0, 0, 0, 1, 1, 1, 1, 1};
-    KxColormap colormap(2, rgba, 0.0f, 10.0f);
-    KxPortColormap port;
-    port.setColormap(&colormap);
-    view.node.setEdgeColormapPort(&port);
-    view.node.setLineColor(&view.visible, depth, false);
-    EXPECT_EQ(property->materialBinding.getValue(), SoVertexProperty::PER_VERTEX);
-    ASSERT_EQ(property->orderedRGBA.getNum(), 11);
-    EXPECT_EQ(property->orderedRGBA[0], SbColor(0, 0, 0).getPackedValue(0.0f));
-    EXPECT_EQ(property->orderedRGBA[10], SbColor(1, 1, 1).getPackedValue(0.0f));
-
-    // Edge label attribute: label colours per line; a value without a label is black.
-    view.graph->addNewLabelGroup("Region", true, false, false);
-    int red = view.graph->addLabel("Region", 0, "Red", SbColor(1, 0, 0));
-    auto* region = view.graph->findEdgeAttribute("Region");
-    ASSERT_NE(region, nullptr);
-    const int values[] = {red, 0, 77, red};
-    for (int e = 0; e < 4; ++e) {
-        region->setIntDataAtIdx(e, values[e]);
-    }
-    view.node.setLineColor(&view.visible, region, false);
-    EXPECT_EQ(property->materialBinding.getValue(), SoVertexProperty::PER_FACE);
-    ASSERT_EQ(property->orderedRGBA.getNum(), 4);
-    EXPECT_EQ(property->orderedRGBA[0], SbColor(1, 0, 0).getPackedValue(0.0f));
-    EXPECT_EQ(property->orderedRGBA[2], SbColor(0, 0, 0).getPackedValue(0.0f));  // undefined label
-    HashTable<int, SbColor> table;
-    view.node.createColorTable(region, table);
-    EXPECT_EQ(table.size(), red + 1);
-    // noLabelColors: the same values through the colormap instead.
-    view.node.setLineColor(&view.visible, region, true);
-    EXPECT_EQ(property->orderedRGBA[2], SbColor(1, 1, 1).getPackedValue(0.0f));
 }
 
 TEST(SpatialGraphViewNodeTest, SphereRadiiAndHighlightsFollowVertices) {
