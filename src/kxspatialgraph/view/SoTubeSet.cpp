@@ -344,9 +344,9 @@ void SoTubeSet::layoutTubes() {
         vertexBase_[line] = static_cast<unsigned int>(vertices);
         firstIndex_[line] = static_cast<unsigned int>(indices);
         if (m > 0) {
-            indexCount_[line] = 2 * k * m;
+            indexCount_[line] = 2 * k * m + k - 1;
             vertices += k * m;
-            indices += 2 * k * m + 1;  // and the restart index
+            indices += indexCount_[line] + 1;  // and the restart index
         }
     }
     numTubeVertices_ = vertices;
@@ -375,7 +375,10 @@ void SoTubeSet::writeTubes(Vec3f* vertices, float* centers, unsigned int* indice
             }
         }
         // One strip: band j joins side j to side j + 1 (the last band joins
-        // back to side 0), alternating direction along the line.
+        // back to side 0), alternating direction along the line. Each band
+        // but the last ends with its last vertex repeated, so that the next
+        // band, running the other way, starts on the other parity of the
+        // strip and its triangles keep the outward winding.
         unsigned int* index = indices + firstIndex_[line];
         for (unsigned int j = 0; j < k; ++j) {
             unsigned int a = base + j * m, b = base + ((j + 1) % k) * m;
@@ -383,6 +386,10 @@ void SoTubeSet::writeTubes(Vec3f* vertices, float* centers, unsigned int* indice
                 unsigned int i = j % 2 == 0 ? step : m - 1 - step;
                 *index++ = a + i;
                 *index++ = b + i;
+            }
+            if (j + 1 < k) {
+                *index = index[-1];
+                ++index;
             }
         }
         *index = kRestartIndex;
@@ -440,8 +447,10 @@ void SoTubeSet::writeCaps(Vec3f* vertices, Vec3f* normals) const {
             }
             int i = end == 0 ? 0 : m - 1;
             fan[0] = p[i];
+            // The first end's fan goes round the other way, so that both caps
+            // face outwards with the tube's winding.
             for (unsigned int j = 0; j <= k; ++j) {
-                const Vec3f& q = profile_[j % k];
+                const Vec3f& q = profile_[(end == 0 ? k - j : j) % k];
                 fan[1 + j] = p[i] + q.x * frames.normals[i] + q.y * frames.binormals[i];
             }
         }

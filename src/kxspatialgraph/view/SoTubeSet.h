@@ -194,6 +194,9 @@ private:
     void GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms& programs);
     void GLBindCapArrays(const GLContextGroup& group, const DrawPrograms& programs);
     static void GLDisableArrays();
+    // Whether only the outer faces of the tubes can be seen, so that the
+    // inner ones need not be drawn.
+    bool showsOnlyOutside(SoState* state) const;
     // Program, texture and buffers off; Coin told that the current colour changed.
     static void GLRestoreState(SoState* state, const DrawPrograms& programs);
     // Draws the lines in their own colours, then (per-point colours only)

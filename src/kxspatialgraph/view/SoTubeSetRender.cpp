@@ -4,6 +4,7 @@
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoCacheElement.h>
+#include <Inventor/elements/SoClipPlaneElement.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/misc/SoState.h>
@@ -34,6 +35,36 @@ void bindAttribute(GLuint location, GLuint buffer, GLint size) {
     glVertexAttribPointer(location, size, GL_FLOAT, GL_FALSE, 0, nullptr);
     glEnableVertexAttribArray(location);
 }
+
+// Turns back-face culling on or off for its lifetime, then puts back the
+// state Coin left.
+class FaceCulling {
+public:
+    explicit FaceCulling(bool on) : wasOn_(glIsEnabled(GL_CULL_FACE)) {
+        glGetIntegerv(GL_CULL_FACE_MODE, &mode_);
+        glGetIntegerv(GL_FRONT_FACE, &frontFace_);
+        if (on) {
+            // The strips and fans wind clockwise seen from outside.
+            glEnable(GL_CULL_FACE);
+            glCullFace(GL_BACK);
+            glFrontFace(GL_CW);
+        } else {
+            glDisable(GL_CULL_FACE);
+        }
+    }
+    ~FaceCulling() {
+        (wasOn_ ? glEnable : glDisable)(GL_CULL_FACE);
+        glCullFace(static_cast<GLenum>(mode_));
+        glFrontFace(static_cast<GLenum>(frontFace_));
+    }
+    FaceCulling(const FaceCulling&) = delete;
+    FaceCulling& operator=(const FaceCulling&) = delete;
+
+private:
+    GLboolean wasOn_;
+    GLint mode_ = GL_BACK;
+    GLint frontFace_ = GL_CCW;
+};
 
 }  // namespace
 
@@ -173,6 +204,7 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     if (programs.perPointColor) {
         GLBindColormap(*group);
     }
+    FaceCulling culling(showsOnlyOutside(state));
     GLBindTubeArrays(*group, programs);
     GLDrawPasses(contextId, programs, &SoTubeSet::GLRenderTubes);
     GLDisableArrays();
@@ -184,6 +216,14 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
         GLDisableArrays();
     }
     GLRestoreState(state, programs);
+}
+
+// Capped tubes are closed: their inner faces are hidden, and leaving them
+// out spares the rasteriser half the triangles. Without caps, with the
+// tubes turned inside out by a negative scale or cut open by clip planes,
+// the inside shows.
+bool SoTubeSet::showsOnlyOutside(SoState* state) const {
+    return renderCaps_ && scale_ > 0.0f && SoClipPlaneElement::getInstance(state)->getNum() == 0;
 }
 
 void SoTubeSet::GLRestoreState(SoState* state, const DrawPrograms& programs) {

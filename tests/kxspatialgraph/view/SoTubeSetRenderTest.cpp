@@ -10,6 +10,7 @@
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoCallback.h>
+#include <Inventor/nodes/SoClipPlane.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 
@@ -305,5 +306,38 @@ TEST(SoTubeSetRenderTest, LevelOfDetailDrawsWhatFullDetailDrawsAndFollowsTheCame
     camera->height = 10.0f;
     ASSERT_TRUE(renderer.render(root));
     EXPECT_EQ(SoTubeSetTestAccess::numKeptPoints(*tubes), keptFar);
+    root->unref();
+}
+
+// Capped tubes are drawn without their inner faces; a clip plane, which could
+// open them, brings those back. One that cuts nothing must change no pixel.
+TEST(SoTubeSetRenderTest, LeavingOutInnerFacesChangesNoPixel) {
+    SoTubeSet::initClass();
+    SoSeparator* root = makePixelScene();
+    auto* tubes = new SoTubeSet;
+    root->addChild(tubes);
+    FineArcs arcs;
+    arcs.addTo(*tubes);
+    tubes->setConstantRadius(false);
+    tubes->setTubeScale(0.15f);
+    // Two tubes along the view axis, one pointing at the camera and one away
+    // from it: each shows the camera one of its two kinds of end cap.
+    auto* axial = new SoTubeSet;
+    root->addChild(axial);
+    const Vec3f towards[] = {Vec3f(-4, -4, -1), Vec3f(-4, -4, 1)};
+    const Vec3f away[] = {Vec3f(4, 4, 1), Vec3f(4, 4, -1)};
+    axial->setNumLines(2);
+    axial->setLine(0, 2, towards);
+    axial->setLine(1, 2, away);
+    axial->setTubeScale(0.5f);
+    KxOffscreenRenderer renderer(200, 200);
+    ASSERT_TRUE(renderer.render(root));
+    const std::vector<unsigned char> outsideOnly = pixels(renderer);
+
+    auto* plane = new SoClipPlane;
+    plane->plane = SbPlane(SbVec3f(0, 0, 1), -90.0f);
+    root->insertChild(plane, 2);
+    ASSERT_TRUE(renderer.render(root));
+    EXPECT_EQ(fractionOfPixelsWithin(outsideOnly, pixels(renderer), 0), 1.0);
     root->unref();
 }
