@@ -56,6 +56,7 @@ LineEnds::LineEnds(const KxSpatialGraph* graph) {
     if (!keys.empty()) {
         ++numPositions_;
     }
+    numPlaces_ = numPositions_;
 
     auto positionOf = [&](int v) {
         bool placed = v >= 0 && v < numVertices && vertexPosition[v] >= 0;

@@ -19,8 +19,11 @@ public:
     int target(int line) const { return target_[line]; }
     // Starts and ends at the same vertex index (not merely the same position).
     bool isSelfLoop(int line) const { return selfLoop_[line] != 0; }
+    // Whether an end of the line lies at the position. An end at no place
+    // (NaN coordinates, or a vertex outside the graph) touches nothing, not
+    // even its own line, as a NaN coordinate equals nothing.
     bool touches(int line, int position) const {
-        return source_[line] == position || target_[line] == position;
+        return position < numPlaces_ && (source_[line] == position || target_[line] == position);
     }
     // The same two end positions, in either order.
     bool sameEnds(int a, int b) const {
@@ -33,4 +36,5 @@ private:
     DArray<int> target_;
     DArray<char> selfLoop_;
     int numPositions_ = 0;
+    int numPlaces_ = 0;  // positions below this are places shared by vertices
 };

@@ -180,3 +180,22 @@ TEST(GraphUtilsTest, WalksARingOfManyLines) {
     GraphUtils::getLoopGeneratingLines(g.get(), generating);
     EXPECT_EQ(text(generating), "[" + std::to_string(n - 1) + " ]");
 }
+
+// Walked from itself, a line ending at a NaN vertex counts that end: NaN
+// equals nothing, so the end does not touch the line itself, and the walk
+// leaves the self-loop at the other end alone.
+TEST(GraphUtilsTest, ALineEndAtNaNDoesNotTouchItsOwnLine) {
+    auto g = std::make_unique<KxSpatialGraph>();
+    for (float x : {1.0f, 2.0f, -0.0f, 3.0f, std::nanf("")}) {
+        g->addVertex(Vec3f(x, 0, 0));
+    }
+    g->addEdge(4, 2);
+    g->addEdge(2, 2);
+    g->addEdge(3, 1);
+    Lines pending{-1, 1, 2}, loopy, expectedLoopy;
+    Lines expectedPending = pending;
+    QuadraticLineAnalysis::LoopWalk walk{g.get(), expectedLoopy, expectedPending, {}};
+    EXPECT_EQ(GraphUtils::identifyLoopRecur(g.get(), loopy, pending, 0, 0), walk.recur(0, 0));
+    EXPECT_TRUE(loopy == expectedLoopy) << text(loopy) << " vs " << text(expectedLoopy);
+    EXPECT_TRUE(pending == expectedPending) << text(pending) << " vs " << text(expectedPending);
+}
