@@ -30,7 +30,7 @@ bool isOneOf(const char* value, std::initializer_list<const char*> words) {
 
 bool queryCurrentContext() {
     return KxGLCapabilities::initGlew() && GLEW_VERSION_2_0 && GLEW_ARB_vertex_buffer_object &&
-           GLEW_ARB_texture_float;
+           GLEW_ARB_texture_float && KxGLCapabilities::hasInstancing();
 }
 
 }  // namespace
@@ -44,6 +44,10 @@ bool KxGLCapabilities::initGlew() {
     // GLEW_ERROR_NO_GLX_DISPLAY: the entry points are loaded all the same.
     glewReady = result == GLEW_OK || result == GLEW_ERROR_NO_GLX_DISPLAY;
     return glewReady;
+}
+
+bool KxGLCapabilities::hasInstancing() {
+    return GLEW_ARB_instanced_arrays && GLEW_ARB_draw_instanced;
 }
 
 bool KxGLCapabilities::legacyForced() {

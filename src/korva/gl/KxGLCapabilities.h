@@ -10,8 +10,12 @@ public:
     // is loaded; that counts as success.
     static bool initGlew();
 
-    // True when GLSL programs, vertex buffer objects and float textures are
-    // available. Asked without a current context, it opens a small headless
+    // True when the current context draws instanced arrays (attributes per
+    // instance). Call after initGlew().
+    static bool hasInstancing();
+
+    // True when GLSL programs, vertex buffer objects, float textures and
+    // instanced arrays are available. Asked without a current context, it opens a small headless
     // context to find out; the answer is kept. It answers false when
     // legacyForced(), so the fallback paths can be forced and tested.
     static bool hasShadersAndBuffers();

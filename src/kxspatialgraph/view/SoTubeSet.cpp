@@ -49,6 +49,9 @@ SoTubeSet::SoTubeSet() {
         program_->bindAttribLocation("centerCoord", CENTER_LOCATION);
         program_->bindAttribLocation("radius", RADIUS_LOCATION);
         program_->bindAttribLocation("colorValue", COLOR_LOCATION);
+        program_->bindAttribLocation("capNormal", CAP_NORMAL_LOCATION);
+        program_->bindAttribLocation("capAxisX", CAP_AXIS_X_LOCATION);
+        program_->bindAttribLocation("capAxisY", CAP_AXIS_Y_LOCATION);
         program_->setUniform("scale", scale_);
         program_->setUniform("min", colormapMin_);
         program_->setUniform("range", colormapRange_);
@@ -405,20 +408,26 @@ void SoTubeSet::generateTubeGeometry() {
 }
 
 void SoTubeSet::generateCapGeometry() {
-    capNormals_.assign(static_cast<size_t>(numLines_) * 2, Vec3f(0.0f, 0.0f, 1.0f));
+    capFrames_.assign(static_cast<size_t>(numLines_) * 18, 0.0f);
     capRecords_.assign(static_cast<size_t>(numLines_) * 8, 0.0f);
     capColorValues_.assign(static_cast<size_t>(numLines_) * 2, 0.0f);
+    PolylineFrames frames;
     for (unsigned int line = 0; line < numLines_; ++line) {
         const int m = pointCounts_[line];
         const Vec3f* p = points_[line];
         if (m == 0) {
             continue;
         }
+        frames.compute(p, m, false);
         for (int end = 0; end < 2; ++end) {
             int i = end == 0 ? 0 : m - 1;
             Vec3f outward = m > 1 ? (end == 0 ? p[0] - p[1] : p[m - 1] - p[m - 2]) : Vec3f(0, 0, 1);
-            if (outward.normalize() > 0.0f) {
-                capNormals_[2 * line + end] = outward;
+            if (outward.normalize() <= 0.0f) {
+                outward = Vec3f(0.0f, 0.0f, 1.0f);
+            }
+            float* frame = &capFrames_[18 * line + 9 * end];
+            for (const Vec3f& v : {outward, frames.normals[i], frames.binormals[i]}) {
+                frame = std::copy(v.data(), v.data() + 3, frame);
             }
             float* record = &capRecords_[8 * line + 4 * end];
             record[0] = p[i].x;
@@ -429,51 +438,17 @@ void SoTubeSet::generateCapGeometry() {
     }
 }
 
-void SoTubeSet::writeCaps(Vec3f* vertices, Vec3f* normals) const {
+std::vector<Vec3f> SoTubeSet::capFans() const {
     const unsigned int k = static_cast<unsigned int>(complexity_);
-    PolylineFrames frames;
-    for (unsigned int line = 0; line < numLines_; ++line) {
-        const int m = pointCounts_[line];
-        const Vec3f* p = points_[line];
-        if (m > 0) {
-            frames.compute(p, m, false);
-        }
-        for (int end = 0; end < 2; ++end) {
-            Vec3f* fan = vertices + capFirst(line, end);
-            std::fill_n(normals + capFirst(line, end), k + 2, capNormals_[2 * line + end]);
-            if (m == 0) {
-                std::fill_n(fan, k + 2, Vec3f());
-                continue;
-            }
-            int i = end == 0 ? 0 : m - 1;
-            fan[0] = p[i];
-            // The first end's fan goes round the other way, so that both caps
-            // face outwards with the tube's winding.
-            for (unsigned int j = 0; j <= k; ++j) {
-                const Vec3f& q = profile_[(end == 0 ? k - j : j) % k];
-                fan[1 + j] = p[i] + q.x * frames.normals[i] + q.y * frames.binormals[i];
-            }
+    std::vector<Vec3f> fans;
+    for (int end = 0; end < 2; ++end) {
+        fans.emplace_back(0.0f, 0.0f, 0.0f);
+        for (unsigned int j = 0; j <= k; ++j) {
+            const Vec3f& q = profile_[(end == 0 ? k - j : j) % k];
+            fans.emplace_back(q.x, q.y, 0.0f);
         }
     }
-}
-
-void SoTubeSet::writeCapCenters(float* centers) const {
-    for (unsigned int line = 0; line < numLines_; ++line) {
-        for (int end = 0; end < 2; ++end) {
-            const float* record = getCapRecord(line, end);
-            for (unsigned int v = capFirst(line, end); v < capFirst(line, end) + complexity_ + 2; ++v) {
-                std::copy(record, record + 4, centers + 4 * static_cast<size_t>(v));
-            }
-        }
-    }
-}
-
-void SoTubeSet::writeCapColors(float* values) const {
-    for (unsigned int line = 0; line < numLines_; ++line) {
-        for (int end = 0; end < 2; ++end) {
-            std::fill_n(values + capFirst(line, end), complexity_ + 2, capColorValues_[2 * line + end]);
-        }
-    }
+    return fans;
 }
 
 void SoTubeSet::updateCapRadii() {

@@ -27,7 +27,8 @@ class SoState;
 // ("scale" × per-point radius) and colour (per-point value through a 1-D
 // colormap, or one colour per line, or one colour for all) are applied by the
 // GLSL program spatialgraphTubes_{vert,frag}.glsl, so they change without
-// touching the vertex buffer.
+// touching the vertex buffer. Each cap is an instance of one small fan,
+// placed by its line end's centre, radius and frame (56 bytes a cap).
 //
 // Line points, radii and colour values are borrowed from the caller (the
 // graph's edge points and attributes), not copied: they must stay alive and
@@ -98,7 +99,14 @@ private:
     friend class SoTubeSetTestAccess;
 
     // Generic attribute locations of the tube program (0 aliases gl_Vertex).
-    enum AttributeLocation { CENTER_LOCATION = 1, RADIUS_LOCATION = 2, COLOR_LOCATION = 3 };
+    enum AttributeLocation {
+        CENTER_LOCATION = 1,
+        RADIUS_LOCATION = 2,
+        COLOR_LOCATION = 3,
+        CAP_NORMAL_LOCATION = 4,
+        CAP_AXIS_X_LOCATION = 5,
+        CAP_AXIS_Y_LOCATION = 6
+    };
     // The buffer objects of one rendering context, created and deleted
     // together from one table of names.
     enum GLBuffer {
@@ -107,8 +115,8 @@ private:
         TUBE_CENTERS,
         TUBE_RADII,
         TUBE_COLORS,
-        CAP_VERTICES,
-        CAP_NORMALS,
+        CAP_PROFILE,
+        CAP_FRAMES,
         CAP_CENTERS,
         CAP_COLORS,
         NUM_GL_BUFFERS
@@ -150,6 +158,8 @@ private:
 
     // CPU geometry, regenerated when the geometry is dirty. Cap record of a
     // line end (end 0 = start, 1 = end): centre x, y, z and radius.
+    // Records, frames and colour values of the caps run line by line, start
+    // then end: one instance of a cap fan each.
     const float* getCapRecord(unsigned int line, int end) const { return &capRecords_[8 * line + 4 * end]; }
     // Where each line's vertices and indices go, from the kept points.
     void layoutTubes();
@@ -159,19 +169,19 @@ private:
     void writeTubes(Vec3f* vertices, float* centers, unsigned int* indices) const;
     // The surface into tubeVertices_, tubeCenters_ and tubeIndices_ (for tests).
     void generateTubeGeometry();
-    // Cap records and outward normals per line end; the fans themselves
-    // are written straight into mapped buffer objects by the write calls.
+    // Cap records and frames (outward normal, then the two axes of the
+    // end ring's plane) per line end.
     void generateCapGeometry();
-    void writeCaps(Vec3f* vertices, Vec3f* normals) const;
-    void writeCapCenters(float* centers) const;
-    void writeCapColors(float* values) const;
-    size_t numCapVertices() const { return static_cast<size_t>(numLines_) * 2 * (complexity_ + 2); }
+    // The two fans every cap is drawn from, start cap first: centre, then
+    // the profile once round (the start cap's the other way round, so that
+    // both caps face outwards with the tube's winding).
+    std::vector<Vec3f> capFans() const;
+    unsigned int capFanSize() const { return static_cast<unsigned int>(complexity_) + 2; }
     void updateCapRadii();
     void updateCapColors();
     void generateExtrusionGeometry();
     float pointRadius(unsigned int line, int point) const;
     float pointColorValue(unsigned int line, int point) const;
-    unsigned int capFirst(unsigned int line, int end) const { return (2 * line + end) * (complexity_ + 2); }
 
     // Level of detail: recomputes the kept points for the frame's camera
     // and viewport when they changed; marks the geometry dirty when the kept
@@ -192,7 +202,8 @@ private:
     DrawPrograms choosePrograms() const;
     void GLBindColormap(GLContextGroup& group);
     void GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms& programs);
-    void GLBindCapArrays(const GLContextGroup& group, const DrawPrograms& programs);
+    void GLBindCapFans(const GLContextGroup& group);
+    void GLBindCapInstances(const GLContextGroup& group, unsigned int firstCap);
     static void GLDisableArrays();
     // Whether only the outer faces of the tubes can be seen, so that the
     // inner ones need not be drawn.
@@ -201,14 +212,15 @@ private:
     static void GLRestoreState(SoState* state, const DrawPrograms& programs);
     // Draws the lines in their own colours, then (per-point colours only)
     // the highlighted ones with the constant-colour variant of the program.
-    void GLDrawPasses(int contextId, const DrawPrograms& programs, void (SoTubeSet::*render)(LinePass));
+    void GLDrawPasses(const GLContextGroup& group, int contextId, const DrawPrograms& programs,
+                      void (SoTubeSet::*render)(const GLContextGroup&, LinePass));
     bool drawsLine(unsigned int line, LinePass pass) const;
     // Calls draw(first line, end line) for each run of consecutive lines that
     // the pass takes and that share one colour, after setting that colour.
     template <class Draw>
     void forEachRun(LinePass pass, Draw draw);
-    void GLRenderTubes(LinePass pass);
-    void GLRenderCaps(LinePass pass);
+    void GLRenderTubes(const GLContextGroup& group, LinePass pass);
+    void GLRenderCaps(const GLContextGroup& group, LinePass pass);
 
     static void contextDestroyedCB(uint32_t contextId, void* data);
 
@@ -261,9 +273,7 @@ private:
     std::vector<unsigned int> firstIndex_;
     std::vector<unsigned int> indexCount_;
     std::vector<unsigned int> vertexBase_;
-    std::vector<Vec3f> capNormals_;      // 2 per line
+    std::vector<float> capFrames_;       // 18 per line
     std::vector<float> capRecords_;      // 8 per line
     std::vector<float> capColorValues_;  // 2 per line
-    std::vector<int> runFirsts_;
-    std::vector<int> runCounts_;
 };

@@ -30,9 +30,22 @@ void unmapBuffer(GLenum target, GLuint buffer, const void* mapped) {
     }
 }
 
-void bindAttribute(GLuint location, GLuint buffer, GLint size) {
+// A new store of bytes for the buffer, filled from data.
+template <class T>
+void fillBuffer(GLuint buffer, const std::vector<T>& data) {
     glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    glVertexAttribPointer(location, size, GL_FLOAT, GL_FALSE, 0, nullptr);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(data.size() * sizeof(T)), data.data(),
+                 GL_STATIC_DRAW);
+}
+
+// One value of `size` floats per vertex, or with a divisor of 1 per
+// instance, from float `first` on, every `stride` floats (0: tightly packed).
+void bindAttribute(GLuint location, GLuint buffer, GLint size, GLuint divisor = 0, size_t stride = 0,
+                   size_t first = 0) {
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    glVertexAttribPointer(location, size, GL_FLOAT, GL_FALSE, static_cast<GLsizei>(stride * sizeof(float)),
+                          reinterpret_cast<const void*>(first * sizeof(float)));
+    glVertexAttribDivisorARB(location, divisor);
     glEnableVertexAttribArray(location);
 }
 
@@ -122,19 +135,10 @@ void SoTubeSet::GLUploadTubeGeometry(GLContextGroup& group) {
     group.geometryDirty = false;
 }
 
+// Every cap is an instance of one of two fans, placed by its frame.
 void SoTubeSet::GLUploadCapGeometry(GLContextGroup& group) {
-    // The cap records are spread over every vertex of the fans, so that all
-    // caps of a run of lines draw in one call.
-    const size_t n = numCapVertices();
-    auto* vertices =
-        static_cast<Vec3f*>(mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES], n * sizeof(Vec3f)));
-    auto* normals =
-        static_cast<Vec3f*>(mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], n * sizeof(Vec3f)));
-    if (vertices && normals) {
-        writeCaps(vertices, normals);
-    }
-    unmapBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES], vertices);
-    unmapBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS], normals);
+    fillBuffer(group.buffers[CAP_PROFILE], capFans());
+    fillBuffer(group.buffers[CAP_FRAMES], capFrames_);
 }
 
 // Radii and colour values of the kept points go straight from the borrowed
@@ -160,12 +164,7 @@ void SoTubeSet::GLUploadPerPoint(unsigned int buffer, float (SoTubeSet::*value)(
 
 void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
     group.radiiDirty = false;
-    auto* centers = static_cast<float*>(
-        mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_CENTERS], numCapVertices() * 4 * sizeof(float)));
-    if (centers) {
-        writeCapCenters(centers);
-        glUnmapBuffer(GL_ARRAY_BUFFER);
-    }
+    fillBuffer(group.buffers[CAP_CENTERS], capRecords_);
     if (!constantRadius_ && numTubeVertices_ > 0) {
         GLUploadPerPoint(group.buffers[TUBE_RADII], &SoTubeSet::pointRadius);
     }
@@ -173,19 +172,15 @@ void SoTubeSet::GLUploadTubeRadii(GLContextGroup& group) {
 
 void SoTubeSet::GLUploadTubeColors(GLContextGroup& group) {
     group.colorsDirty = false;
-    auto* values = static_cast<float*>(
-        mapNewBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_COLORS], numCapVertices() * sizeof(float)));
-    if (values) {
-        writeCapColors(values);
-        glUnmapBuffer(GL_ARRAY_BUFFER);
-    }
+    fillBuffer(group.buffers[CAP_COLORS], capColorValues_);
     if (!constantColor_ && !colorPerLine_ && numTubeVertices_ > 0) {
         GLUploadPerPoint(group.buffers[TUBE_COLORS], &SoTubeSet::pointColorValue);
     }
 }
 
 void SoTubeSet::GLRender(SoGLRenderAction* action) {
-    if (numLines_ == 0 || !shouldGLRender(action) || !program_ || !KxGLCapabilities::initGlew()) {
+    if (numLines_ == 0 || !shouldGLRender(action) || !program_ || !KxGLCapabilities::initGlew() ||
+        !KxGLCapabilities::hasInstancing()) {
         return;
     }
     SoState* state = action->getState();
@@ -206,13 +201,13 @@ void SoTubeSet::GLRender(SoGLRenderAction* action) {
     }
     FaceCulling culling(showsOnlyOutside(state));
     GLBindTubeArrays(*group, programs);
-    GLDrawPasses(contextId, programs, &SoTubeSet::GLRenderTubes);
+    GLDrawPasses(*group, contextId, programs, &SoTubeSet::GLRenderTubes);
     GLDisableArrays();
     if (renderCaps_) {
-        GLBindCapArrays(*group, programs);
+        GLBindCapFans(*group);
         programs.macros.push_back("RENDER_CAPS");
         programs.highlightMacros.push_back("RENDER_CAPS");
-        GLDrawPasses(contextId, programs, &SoTubeSet::GLRenderCaps);
+        GLDrawPasses(*group, contextId, programs, &SoTubeSet::GLRenderCaps);
         GLDisableArrays();
     }
     GLRestoreState(state, programs);
@@ -283,38 +278,44 @@ void SoTubeSet::GLBindTubeArrays(const GLContextGroup& group, const DrawPrograms
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, group.buffers[TUBE_INDICES]);
 }
 
-void SoTubeSet::GLBindCapArrays(const GLContextGroup& group, const DrawPrograms& programs) {
-    glBindBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_VERTICES]);
+void SoTubeSet::GLBindCapFans(const GLContextGroup& group) {
+    glBindBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_PROFILE]);
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    glBindBuffer(GL_ARRAY_BUFFER, group.buffers[CAP_NORMALS]);
-    glEnableClientState(GL_NORMAL_ARRAY);
-    glNormalPointer(GL_FLOAT, 0, nullptr);
-    bindAttribute(CENTER_LOCATION, group.buffers[CAP_CENTERS], 4);
-    if (programs.perPointColor) {
-        bindAttribute(COLOR_LOCATION, group.buffers[CAP_COLORS], 1);
-    }
+}
+
+// The caps' attributes are per instance, from their cap on: they are bound
+// for each run of lines and each end (GLRenderCaps).
+void SoTubeSet::GLBindCapInstances(const GLContextGroup& group, unsigned int firstCap) {
+    const GLuint kInstance = 1;
+    bindAttribute(CENTER_LOCATION, group.buffers[CAP_CENTERS], 4, kInstance, 8, 4 * firstCap);
+    bindAttribute(CAP_NORMAL_LOCATION, group.buffers[CAP_FRAMES], 3, kInstance, 18, 9 * firstCap);
+    bindAttribute(CAP_AXIS_X_LOCATION, group.buffers[CAP_FRAMES], 3, kInstance, 18, 9 * firstCap + 3);
+    bindAttribute(CAP_AXIS_Y_LOCATION, group.buffers[CAP_FRAMES], 3, kInstance, 18, 9 * firstCap + 6);
+    // The constant-colour variants of the program do not read it.
+    bindAttribute(COLOR_LOCATION, group.buffers[CAP_COLORS], 1, kInstance, 2, firstCap);
 }
 
 void SoTubeSet::GLDisableArrays() {
-    glDisableVertexAttribArray(CENTER_LOCATION);
-    glDisableVertexAttribArray(RADIUS_LOCATION);
-    glDisableVertexAttribArray(COLOR_LOCATION);
-    glDisableClientState(GL_NORMAL_ARRAY);
+    for (GLuint location : {CENTER_LOCATION, RADIUS_LOCATION, COLOR_LOCATION, CAP_NORMAL_LOCATION,
+                            CAP_AXIS_X_LOCATION, CAP_AXIS_Y_LOCATION}) {
+        glVertexAttribDivisorARB(location, 0);
+        glDisableVertexAttribArray(location);
+    }
     glDisableClientState(GL_VERTEX_ARRAY);
 }
 
-void SoTubeSet::GLDrawPasses(int contextId, const DrawPrograms& programs,
-                             void (SoTubeSet::*render)(LinePass)) {
+void SoTubeSet::GLDrawPasses(const GLContextGroup& group, int contextId, const DrawPrograms& programs,
+                             void (SoTubeSet::*render)(const GLContextGroup&, LinePass)) {
     program_->setMacros(programs.macros);
     if (program_->apply(contextId)) {
-        (this->*render)(programs.perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
+        (this->*render)(group, programs.perPointColor ? SKIP_HIGHLIGHTED : ALL_LINES);
     }
     if (programs.anyHighlighted) {
         glDisableVertexAttribArray(COLOR_LOCATION);
         program_->setMacros(programs.highlightMacros);
         if (program_->apply(contextId)) {
-            (this->*render)(ONLY_HIGHLIGHTED);
+            (this->*render)(group, ONLY_HIGHLIGHTED);
         }
     }
 }
@@ -351,7 +352,7 @@ void SoTubeSet::forEachRun(LinePass pass, Draw draw) {
 }
 
 // Consecutive strips are separated by the restart index, so a run is one call.
-void SoTubeSet::GLRenderTubes(LinePass pass) {
+void SoTubeSet::GLRenderTubes(const GLContextGroup&, LinePass pass) {
     glEnable(GL_PRIMITIVE_RESTART);
     glPrimitiveRestartIndex(kRestartIndex);
     forEachRun(pass, [this](unsigned int first, unsigned int end) {
@@ -364,17 +365,14 @@ void SoTubeSet::GLRenderTubes(LinePass pass) {
     glDisable(GL_PRIMITIVE_RESTART);
 }
 
-void SoTubeSet::GLRenderCaps(LinePass pass) {
-    forEachRun(pass, [this](unsigned int first, unsigned int end) {
-        runFirsts_.clear();
-        runCounts_.clear();
-        for (unsigned int line = first; line < end; ++line) {
-            for (int e = 0; e < 2; ++e) {
-                runFirsts_.push_back(static_cast<int>(capFirst(line, e)));
-                runCounts_.push_back(complexity_ + 2);
-            }
+// One instanced draw per end and run: the start caps of the run's lines,
+// then their end caps.
+void SoTubeSet::GLRenderCaps(const GLContextGroup& group, LinePass pass) {
+    forEachRun(pass, [&](unsigned int first, unsigned int end) {
+        for (unsigned int e = 0; e < 2; ++e) {
+            GLBindCapInstances(group, 2 * first + e);
+            glDrawArraysInstancedARB(GL_TRIANGLE_FAN, static_cast<GLint>(e * capFanSize()),
+                                     static_cast<GLsizei>(capFanSize()), static_cast<GLsizei>(end - first));
         }
-        glMultiDrawArrays(GL_TRIANGLE_FAN, runFirsts_.data(), runCounts_.data(),
-                          static_cast<GLsizei>(runFirsts_.size()));
     });
 }

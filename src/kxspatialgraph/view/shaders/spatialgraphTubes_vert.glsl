@@ -3,14 +3,20 @@
 // pushed out from its centre point by radius x scale. Macros:
 //   CONST_RADIUS  every radius is 1 (only "scale" sizes the tubes)
 //   CONST_COLOR   the colour is the fixed-function colour (glColor)
-//   RENDER_CAPS   drawing the end caps: centerCoord.w holds the cap's radius
-//                 and the normal comes from glNormal
+//   RENDER_CAPS   drawing the end caps, one instance of a fan per cap:
+//                 gl_Vertex.xy is the fan point in the plane of capAxisX and
+//                 capAxisY, centerCoord.w the cap's radius, capNormal its normal
 // Without CONST_COLOR the value "colorValue" is mapped through the window
 // [min, min + range] onto the colormap (read in the fragment stage).
 
 attribute vec4 centerCoord;
 attribute float radius;
 attribute float colorValue;
+#ifdef RENDER_CAPS
+attribute vec3 capNormal;
+attribute vec3 capAxisX;
+attribute vec3 capAxisY;
+#endif
 
 uniform float scale;
 uniform float min;
@@ -35,10 +41,17 @@ void main() {
     float r = radius;
 #endif
     r = max(r, 0.0);
+#ifdef RENDER_CAPS
+    // Placed as the tube's end ring is (centre plus each axis in turn, then
+    // minus the centre), so that the rims meet without cracks.
+    vec3 rim = centerCoord.xyz + gl_Vertex.x * capAxisX + gl_Vertex.y * capAxisY;
+    vec3 offset = rim - centerCoord.xyz;
+#else
     vec3 offset = gl_Vertex.xyz - centerCoord.xyz;
+#endif
     vec4 position = vec4(centerCoord.xyz + offset * (r * scale), 1.0);
 #ifdef RENDER_CAPS
-    vec3 normal = gl_Normal;
+    vec3 normal = capNormal;
 #else
     vec3 normal = offset;
 #endif
