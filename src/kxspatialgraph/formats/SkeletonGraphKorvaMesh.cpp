@@ -252,7 +252,15 @@ KxSpatialGraph* loadSkeletonGraph(const KorvaMesh& mesh, const char* filename) {
         }
     }
     for (int i = 0; i < static_cast<int>(s.points.size()); ++i) {
-        if (!s.points[static_cast<size_t>(i)].marked && !walkRing(s, i, filename)) {
+        const SkeletonPoint& p = s.points[static_cast<size_t>(i)];
+        if (p.marked) {
+            continue;
+        }
+        // A point left unwalked that has not two neighbours has none (or
+        // neighbour lists that disagree): it is kept as a vertex of its own.
+        if (p.numNeighbours != 2) {
+            s.vertexOf(i);
+        } else if (!walkRing(s, i, filename)) {
             delete s.graph;
             return nullptr;
         }

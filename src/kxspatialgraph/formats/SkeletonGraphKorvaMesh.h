@@ -9,7 +9,8 @@ class KxSpatialGraph;
 // material types). Points with other than two neighbours become vertices;
 // each run of two-neighbour points between them becomes the points of one
 // edge, imported once although it is reachable from both ends. A closed ring
-// of two-neighbour points has no vertex and is not imported.
+// of two-neighbour points becomes a loop edge on its first point, a point
+// without neighbours a vertex without edges.
 
 // A new graph, or null after an "Error: " line when the required arrays are
 // missing or the neighbour data is inconsistent (indices out of range, counts

@@ -65,6 +65,8 @@ TEST(SkeletonGraphKorvaMeshTest, ImportsEveryRunOnce) {
         // A closed ring of two-neighbour points becomes a loop on its first point.
         {"ring", {{1, 2}, {0, 2}, {1, 0}}, 1, {{0, 1, 2, 0}}},
         {"ring beside a line", {{1}, {0}, {3, 4}, {2, 4}, {3, 2}}, 3, {{0, 1}, {2, 3, 4, 2}}},
+        // A point without neighbours stays as a vertex of its own.
+        {"isolated point last", {{1}, {0}, {}}, 3, {{0, 1}}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
