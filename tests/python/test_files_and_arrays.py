@@ -51,7 +51,7 @@ def test_arrays_and_label_groups_follow_the_swc_records(neuron):
     assert topology["name"] == "Topology" and topology["id"] == 0
     assert topology["color"] == pytest.approx((0.8, 0.8, 0.8))
     ids = {child["name"]: child["id"] for child in topology["children"]}
-    assert ids["Label3"] == 2  # the third record's type comes second, after the soma's
+    assert ids["Label3"] == 3  # each type's label has the type as id
     assert set(np.unique(neuron.point_attributes["Topology"])) <= set(ids.values())
 
 

@@ -11,6 +11,7 @@
 #include "korva/base/HugePages.h"
 #include "korva/core/KxFileContents.h"
 #include "korva/core/KxMessageConsole.h"
+#include "korva/core/KxParamBundle.h"
 #include "korva/core/KxSafeFile.h"
 #include "korva/core/KxWorkArea.h"
 #include "kxspatialgraph/formats/MorphologyTextWriter.h"
@@ -307,16 +308,32 @@ void SWCReader::walkRun(KxSpatialGraph* graph, int start) {
     graph->addEdge(source, target, run_);
 }
 
+// The points keep their SWC types as values, so each type's label "Label%d"
+// takes the type as its id: the value of a point then names its own type's
+// label. Labels are added by ascending type, which gives the ids 1, 2, 3 ...
+// that addLabel would give when the types are 1 to n. Type 0 (undefined)
+// falls to the group's root; negative types and types past kMaxTypeLabel
+// (ids that large would make every table indexed by label id huge) get no
+// label.
 void SWCReader::addAttributes(KxSpatialGraph* graph) {
+    constexpr int kMaxTypeLabel = 255;
     graph->addAttribute("thickness", KxSpatialGraph::POINT, PrimType::FLOAT32, 1,
                         radii_.empty() ? nullptr : radii_.data());
     graph->addNewLabelGroup("Topology", false, false, true);
     GraphAttribute* topology = graph->findEdgePointAttribute("Topology");
     std::copy(pointTypes_.begin(), pointTypes_.end(), static_cast<int*>(topology->dataPtr()));
-    graph->parameters().getBundle("Topology")->setColor(Color(0.8f, 0.8f, 0.8f));
-    types_.forEach([&](int type, int) {
-        graph->addLabel("Topology", 0, String::format("Label%d", type).getString(), nextLabelColor());
-    });
+    KxParamBundle* root = graph->parameters().getBundle("Topology");
+    root->setColor(Color(0.8f, 0.8f, 0.8f));
+    std::vector<int> types;
+    types_.forEach([&](int type, int) { types.push_back(type); });
+    std::sort(types.begin(), types.end());
+    for (int type : types) {
+        if (type >= 1 && type <= kMaxTypeLabel) {
+            KxParamBundle* label = root->addBundle(String::format("Label%d", type).getString());
+            label->setInt("Id", type);
+            label->setColor(nextLabelColor());
+        }
+    }
 }
 
 KxSpatialGraph* SWCReader::build() {

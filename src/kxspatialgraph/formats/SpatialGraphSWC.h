@@ -16,7 +16,8 @@ class Vec3f;
 // radius, parent id; parent -1 for a root). Branch points, end points and
 // roots become vertices, the unbranched runs between them edges running from
 // the leaf side towards the root; the radius goes into the point attribute
-// "thickness", the type into the point label attribute "Topology".
+// "thickness", the type into the point label attribute "Topology", whose
+// label "Label%d" of each type from 1 to 255 has the type as its id.
 
 // A new graph from SWC text, or null after an "Error: " line naming the line
 // when a data line has fewer than 7 numbers or an id, type or parent that is

@@ -10,6 +10,7 @@
 
 #include "korva/core/KxMessageCapture.h"
 #include "kxspatialgraph/model/EdgeVertexAttribute.h"
+#include "kxspatialgraph/model/HierarchicalLabels.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 #include "kxspatialgraph/model/PointAttribute.h"
 #include "support/DecimalCommaLocale.h"
@@ -37,7 +38,7 @@ std::string write(const KxSpatialGraph& graph) {
 }
 
 // Each edge as "source>target:" and its points' "x,y,z/radius/type", then
-// the names of the Topology labels in id order.
+// the Topology labels as "id=name".
 std::string runs(const KxSpatialGraph& g) {
     const PointAttribute* thickness = g.findEdgePointAttribute("thickness");
     const PointAttribute* topology = g.findEdgePointAttribute("Topology");
@@ -52,8 +53,9 @@ std::string runs(const KxSpatialGraph& g) {
         s.appendf("; ");
     }
     String name;
-    for (int id = 1; g.getLabelName(topology, id, name); ++id) {
-        s.appendf("%s ", name.getString());
+    for (int id : g.getLabelGroup("Topology")->getChildIds(0)) {
+        g.getLabelName(topology, id, name);
+        s.appendf("%d=%s ", id, name.getString());
     }
     return s.std();
 }
@@ -147,11 +149,12 @@ TEST(SpatialGraphSWCTest, RunsGoFromTheLeavesToTheRootInIdTableOrder) {
     } cases[] = {
         // A root with one child: the run ends with the root's point twice.
         {"1 1 0 0 0 3 -1\n2 3 1 0 0 2 1\n3 3 2 0 0 1 2\n",
-         "0>1: 2,0,0/1/3 1,0,0/2/3 0,0,0/3/1 0,0,0/3/1; Label1 Label3 "},
-        // Unsorted ids: records in order of first appearance 5, 4, 1, -1, 6; labels
-        // in order of the types' appearance.
-        {"5 3 2 0 0 0.5 4\n4 3 1 0 0 0.75 1\n1 1 0 0 0 2 -1\n6 2 0 1 0 0.25 1\n",
-         "0>1: 2,0,0/0.5/3 1,0,0/0.75/3 0,0,0/2/1; 2>1: 0,1,0/0.25/2 0,0,0/2/1; Label3 Label1 Label2 "},
+         "0>1: 2,0,0/1/3 1,0,0/2/3 0,0,0/3/1 0,0,0/3/1; 1=Label1 3=Label3 "},
+        // Unsorted ids: records in order of first appearance 5, 4, 1, -1, 6, 7; each
+        // type's label has the type as id; type 0 has none.
+        {"5 3 2 0 0 0.5 4\n4 3 1 0 0 0.75 1\n1 1 0 0 0 2 -1\n6 2 0 1 0 0.25 1\n7 0 0 2 0 1 6\n",
+         "0>1: 2,0,0/0.5/3 1,0,0/0.75/3 0,0,0/2/1; 2>1: 0,2,0/1/0 0,1,0/0.25/2 0,0,0/2/1; 1=Label1 2=Label2 "
+         "3=Label3 "},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
