@@ -1,5 +1,7 @@
 // The HOC writer and its connection walk (declared in SpatialGraphHOC.h).
+#include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -50,9 +52,31 @@ private:
     std::string text_;
 };
 
+// True if name can name a section array: a HOC identifier that is no word of
+// the language or of the statements read back, and that no other label took.
+bool isFreeSectionName(const String& name, std::set<std::string>& taken) {
+    static const std::set<std::string> kKeywords = {
+        "access", "begintemplate", "break",     "connect",  "continue", "create", "delete",    "double",
+        "else",   "endtemplate",   "for",       "forall",   "forsec",   "func",   "if",        "ifsec",
+        "insert", "iterator",      "local",     "localobj", "new",      "obfunc", "objectvar", "objref",
+        "proc",   "pt3dadd",       "pt3dclear", "public",   "return",   "strdef", "while"};
+    const std::string text = name.std();
+    // ASCII letters, digits and '_', whatever the locale.
+    auto isWordChar = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    const bool identifier = !text.empty() && !(text[0] >= '0' && text[0] <= '9') &&
+                            std::all_of(text.begin(), text.end(), isWordChar);
+    return identifier && !kKeywords.count(text) && taken.insert(text).second;
+}
+
 // Section names: "label[i.]" for the i-th edge of a "topology" label, else
 // "section_e". Writes the create statements. Deliberate: a label without
 // edges gets no create statement, since NEURON refuses arrays of size 0.
+// A label whose name is not a free section name (a blank, a keyword, the
+// name of another label in another branch of the tree) leaves its edges
+// "section_e" too: its create statement would not be read back, or would
+// join the other label's sections.
 std::vector<std::string> nameSections(const KxSpatialGraphInterface* graph, std::string& out) {
     struct Label {
         String name;  // empty: the id names no label
@@ -66,13 +90,15 @@ std::vector<std::string> nameSections(const KxSpatialGraphInterface* graph, std:
     }
     // Only the labels the edges use, each looked up once.
     std::map<int, Label> labels;
+    std::set<std::string> taken;
     std::vector<int> unlabelled;
     for (int e = 0; e < numEdges; ++e) {
         const int id = topology ? topology->getIntDataAtIdx(e) : 0;
         auto found = labels.find(id);
         if (found == labels.end()) {
             found = labels.emplace(id, Label()).first;
-            if (id >= 1 && !graph->doGetLabelName(topology, id, found->second.name)) {
+            if (id >= 1 && (!graph->doGetLabelName(topology, id, found->second.name) ||
+                            !isFreeSectionName(found->second.name, taken))) {
                 found->second.name = String();
             }
         }

@@ -143,15 +143,27 @@ TEST(SpatialGraphHOCTest, WritesTheSubsetExactly) {
         "dend[1] { pt3dadd(1.5,2,3,2) pt3dadd(0,1e-7,0,1.25) }");
     ASSERT_TRUE(g);
     g->addEdge(g->addVertex(Vec3f(1, 2, 3)), 1);  // an edge without a section name
+    // Labels that cannot name sections: not an identifier, and a second "dend".
+    EdgeVertexAttribute* topology = g->findEdgeAttribute("topology");
+    topology->setIntDataAtIdx(g->addEdge(g->addVertex(Vec3f(4, 5, 6)), 1),
+                              g->addLabel("topology", 0, "apical dendrite", SbColor(1, 0, 0)));
+    topology->setIntDataAtIdx(g->addEdge(g->addVertex(Vec3f(7, 8, 9)), 1),
+                              g->addLabel("topology", 1, "dend", SbColor(1, 0, 0)));
     EXPECT_EQ(readFileBytes(write(*g, dir, "out.hoc")),
               "create soma[                   1.]\ncreate dend[                   1.]\ncreate section_2\n"
+              "create section_3\ncreate section_4\n"
               "soma[0.] {\npt3dclear()\npt3dadd(0.000000,0.000000,0.000000,8.000000)\n"
               "pt3dadd(0.000000,0.000000,0.000000,6.000000)\n}\n\n"
               "dend[0.] {\npt3dclear()\npt3dadd(1.500000,2.000000,3.000000,2.000000)\n"
               "pt3dadd(0.000000,0.000000,0.000000,1.250000)\n}\n\n"
               "section_2 {\npt3dclear()\npt3dadd(1.000000,2.000000,3.000000,0.000000)\n"
               "pt3dadd(0.000000,0.000000,0.000000,0.000000)\n}\n\n"
-              "connect dend[0.](1), soma[0.](1)\nconnect section_2(1), dend[0.](1)\n");
+              "section_3 {\npt3dclear()\npt3dadd(4.000000,5.000000,6.000000,0.000000)\n"
+              "pt3dadd(0.000000,0.000000,0.000000,0.000000)\n}\n\n"
+              "section_4 {\npt3dclear()\npt3dadd(7.000000,8.000000,9.000000,0.000000)\n"
+              "pt3dadd(0.000000,0.000000,0.000000,0.000000)\n}\n\n"
+              "connect dend[0.](1), soma[0.](1)\nconnect section_2(1), dend[0.](1)\n"
+              "connect section_3(1), section_2(1)\nconnect section_4(1), section_3(1)\n");
 }
 
 TEST(SpatialGraphHOCTest, WriterRefusesGraphsWithoutRanksAndDropsIsolatedVertices) {
