@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "korva/core/KxMessageConsole.h"
 #include "korva/core/KxParamBundle.h"
@@ -287,6 +288,11 @@ int HocParser::read4Vector(float values[4]) {
             return -1;
         }
         values[k] = static_cast<float>(scanner_.number());
+        // A value past float's range would make an infinite coordinate or
+        // diameter, which no later computation survives.
+        if (!std::isfinite(values[k])) {
+            return -1;
+        }
     }
     return expect(HocScanner::CLOSE);
 }

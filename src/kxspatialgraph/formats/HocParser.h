@@ -34,7 +34,8 @@ public:
     // The rest of a connect statement: "a ( x ) , b ( y )", each name with an
     // optional index. The last tag read, or -1 on a syntax error.
     int connect(std::string& nameA, double& positionA, std::string& nameB, double& positionB);
-    // "( x , y , z , d )" into values; the last tag read, or -1 on a syntax error.
+    // "( x , y , z , d )" into values; the last tag read, or -1 on a syntax error
+    // or a value beyond float's range.
     int read4Vector(float values[4]);
     // "( )": 9, or -1 on a syntax error.
     int pt3dclear();

@@ -96,6 +96,7 @@ TEST(SpatialGraphHOCTest, ReadsTheStatementsOfTheSubsetAndFailsOnAnyOther) {
         {"access (", "Error reading file at line 1. Tag: 1"},
         {"create a\na { pt3dadd(1,2,3) }", "Error reading file at line 2. Tag: 2"},
         {"create a\na { pt3dadd(1,x,3,4) }", "Error reading file at line 2. Tag: 10"},
+        {"create a\na { pt3dadd(1,2,3,4)\npt3dadd(1,1e39,3,4) }", "Error reading file at line 3. Tag: 5"},
         {"create a\na { pt3dadd(1,2,\n3,4) }", "Error reading file at line 2. Tag: 11"},
         {"create a\n\na { pt3dclear(1) }", "Error reading file at line 3. Tag: 5"},
         {"create a, b\nconnect a(0) b(1)", "Error reading file at line 2. Tag: 10"},
