@@ -97,9 +97,16 @@ bool parseNumber(const char* p, const char* end, int& value) {
     return r.ec == std::errc() && r.ptr == end;
 }
 
+// A number too small for a float reads as the float nearest to it (0 or a
+// subnormal), as C's strtof has it; one too large is refused.
 bool parseNumber(const char* p, const char* end, float& value) {
     p = skipPlus(p, end);
     std::from_chars_result r = DecimalParser::parse(p, end, value);
+    if (r.ec == std::errc::result_out_of_range) {
+        long double wide = 0;
+        r = std::from_chars(p, end, wide);
+        value = static_cast<float>(wide);
+    }
     return r.ec == std::errc() && r.ptr == end && std::isfinite(value);
 }
 

@@ -92,8 +92,9 @@ TEST(SpatialGraphSWCTest, ReadsLinesAsTheyComeAndSaysWhatItDropsReplacesOrRefuse
         int vertices, edges, points;
         const char* messages;
     } cases[] = {
-        // CRLF, blank lines, a signed number, a comment after the columns.
-        {"# head\r\n\r\n  \t\n1 1 0 0 0 1 -1\r\n2 3 +1 0 0 0.5 1 # tip\r\n", 2, 1, 3, ""},
+        // CRLF, blank lines, a signed number, a comment after the columns, a
+        // number too small for a float.
+        {"# head\r\n\r\n  \t\n1 1 0 0 0 1 -1\r\n2 3 +1 0 1e-50 0.5 1 # tip\r\n", 2, 1, 3, ""},
         {"1 1 0 0 0 1 -1\n2 3 1 0 0 1 1\n3 3 2 0 0 1 2", 2, 1, 3,
          "Warning: t.swc: line 3 has no newline at its end and is ignored."},
         {"1 1 0 0 0 1 -1\n2 3 1 0 0 1 1\n# no newline", 2, 1, 3, ""},
