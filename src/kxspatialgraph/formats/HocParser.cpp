@@ -250,11 +250,13 @@ bool HocParser::connectStatement() {
     if (connect(a, x, b, y) < 0) {
         return fail(lastTag_);
     }
-    int child = lookupSection(a);
-    if (child < 0 || lookupSection(b) < 0) {
+    const int child = lookupSection(a);
+    const int parent = lookupSection(b);
+    if (child < 0 || parent < 0) {
         return fail(HocScanner::IDENTIFIER);
     }
     sections_[static_cast<size_t>(child)].isChild = true;
+    connects_.push_back(Connect{child, x, parent, y, scanner_.line()});
     if (debug_) {
         theMsg->printf("CONNECT: %s(%s) with %s(%s).\n", a.c_str(), fixed(x).c_str(), b.c_str(),
                        fixed(y).c_str());
@@ -301,7 +303,42 @@ int HocParser::pt3dclear() {
     return expect(HocScanner::OPEN) < 0 || expect(HocScanner::CLOSE) < 0 ? -1 : HocScanner::PT3DCLEAR;
 }
 
+const float* HocParser::endPoint(int section, double position) const {
+    const std::vector<float>& points = sections_[static_cast<size_t>(section)].points;
+    if (points.empty() || (position != 0 && position != 1)) {
+        return nullptr;
+    }
+    return &points[position == 0 ? 0 : points.size() - 4];
+}
+
+// The graph joins sections only where their end points coincide; a connect
+// at an inner position (soma(0.5)) or between ends that lie apart is lost,
+// and the sections it hangs below a root keep rank 0. Saying so keeps that
+// from going unnoticed.
+void HocParser::warnAboutConnectsOffTheEnds() const {
+    int count = 0;
+    int firstLine = 0;
+    for (const Connect& c : connects_) {
+        if (sections_[static_cast<size_t>(c.child)].points.empty() ||
+            sections_[static_cast<size_t>(c.parent)].points.empty()) {
+            continue;
+        }
+        const float* a = endPoint(c.child, c.childPosition);
+        const float* b = endPoint(c.parent, c.parentPosition);
+        if ((!a || !b || !std::equal(a, a + 3, b)) && count++ == 0) {
+            firstLine = c.line;
+        }
+    }
+    if (count > 0) {
+        theMsg->printf(
+            "Warning: %d connect statement(s) join sections where their end points do not meet (the first "
+            "in line %d); the graph does not join those sections, and what hangs only there gets rank 0.",
+            count, firstLine);
+    }
+}
+
 KxSpatialGraph* HocParser::takeGraph() {
+    warnAboutConnectsOffTheEnds();
     std::vector<int> order;
     for (size_t s = 0; s < sections_.size(); ++s) {
         if (!sections_[s].points.empty()) {

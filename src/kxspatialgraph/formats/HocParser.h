@@ -57,6 +57,14 @@ private:
         int section;
         int nesting;
     };
+    // A connect statement: child at childPosition to parent at parentPosition.
+    struct Connect {
+        int child;
+        double childPosition;
+        int parent;
+        double parentPosition;
+        int line;
+    };
 
     int nextTag();
     int peekTag();
@@ -70,6 +78,9 @@ private:
     void closeBlock();
     bool addPoint();
     bool connectStatement();
+    // The 3-D point at position 0 or 1 of a section; null elsewhere or without points.
+    const float* endPoint(int section, double position) const;
+    void warnAboutConnectsOffTheEnds() const;
 
     HocScanner scanner_;
     bool debug_;
@@ -77,6 +88,7 @@ private:
     int lastTag_ = 0;
     int current_ = -1;
     std::vector<Block> blocks_;
+    std::vector<Connect> connects_;
     HashTable<std::string, int> arrayByName_;
     std::vector<SectionArray> arrays_;
     HashTable<int64_t, int> sectionByKey_;
