@@ -50,8 +50,11 @@ void SpatialGraph2Neurolucida(const KxSpatialGraphInterface* graph, std::ostream
             contours.selectVertex(v);
         }
     }
+    // Deliberate: a loop of fewer than three points writes no contour, and
+    // then no closing line either; a closing bracket without its opening one
+    // would make the whole file unreadable.
     for (int v = 0; v < numVertices; ++v) {
-        if (contours.isSelectedVertex(v)) {
+        if (contours.isSelectedVertex(v) && graph->doGetNumEdgePoints(graph->doGetIncidentEdges(v)[0]) >= 3) {
             out << NeurolucidaStreamer(graph, v, &contours, NeurolucidaStreamer::CONTOUR)
                 << ") ; End of contour\n";
         }

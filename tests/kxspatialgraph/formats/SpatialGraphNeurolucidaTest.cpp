@@ -94,6 +94,13 @@ TEST(SpatialGraphNeurolucidaTest, WritesTreesSplitsAndContoursWithFlippedYAndZ) 
          "(\n(2 -1 -0  1) ; 1\n Normal\n|\n(2 1 -0.5  1) ; 1\n Normal\n) ; End of Split\n) ; End of "
          "Object\n"},
         {"a cycle of three vertices and an isolated vertex", makeCycle(), ""},
+        {"a loop of two points is no contour",
+         [] {
+             auto g = std::make_unique<KxSpatialGraph>();
+             g->addEdge(g->addVertex(Vec3f(1, 2, 3)), 0);
+             return g;
+         }(),
+         ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
