@@ -42,6 +42,7 @@ int KxData::parse(Tcl_Interp* interp, int argc, char** argv) {
         if (!parameters_.fromText(argv[2], std::strlen(argv[2]), error)) {
             return KxCommandReply::failf(interp, "Error: Bad parameters (%s).", error.c_str());
         }
+        parametersReplaced();
         touch(NEW_PARAMETERS);
         fire();
         return TCL_OK;

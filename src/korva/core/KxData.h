@@ -59,6 +59,11 @@ public:
     // A new object with the same contents, or null if the class cannot copy itself.
     virtual KxData* duplicate() const { return nullptr; }
 
+protected:
+    // Called after setParameters replaced the whole bundle: a class that keeps
+    // pointers into it (the sub-bundles of the old one are gone) finds them anew.
+    virtual void parametersReplaced() {}
+
 private:
     KxParamBundle parameters_;
     bool modified_ = false;

@@ -365,6 +365,12 @@ public:
     // Makes the command words above known to the console's help.
     static void registerConsoleCommands();
 
+protected:
+    // The label groups follow the new bundle: each attribute with a sub-bundle
+    // of its name has that group, as when the graph is read from a file; a
+    // group whose bundle is gone is no more (its attributes stay).
+    void parametersReplaced() override;
+
 private:
     friend class KxSpatialGraphTestAccess;
 

@@ -19,6 +19,18 @@ void KxSpatialGraph::deleteAllLabelGroups() {
     labelGroups_.clear();
 }
 
+void KxSpatialGraph::parametersReplaced() {
+    labelGroups_.forEach([](const char*, HierarchicalLabels* labels) { delete labels; });
+    labelGroups_.clear();
+    for (Location loc : {VERTEX, EDGE, POINT}) {
+        for (int i = 0; i < numAttributes(loc); ++i) {
+            if (KxParamBundle* bundle = parameters().getBundle(attribute(loc, i)->getName())) {
+                addExistingLabelGroup(bundle)->update();
+            }
+        }
+    }
+}
+
 HierarchicalLabels* KxSpatialGraph::addNewLabelGroup(const char* name, bool edges, bool vertices,
                                                      bool points) {
     if (HierarchicalLabels* existing = getLabelGroup(name)) {

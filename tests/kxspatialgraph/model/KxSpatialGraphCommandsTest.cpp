@@ -175,4 +175,10 @@ TEST_F(KxSpatialGraphCommandsTest, BuildingCommandsMakeAConsistentGraphThatQueri
         EXPECT_EQ(error(c.script), c.result);
         EXPECT_EQ(capture.lines(), Lines{c.result});
     }
+    // The label groups live in the bundle that setParameters replaces.
+    ok("g setParameters {\"Kind\" { \"Soma\" { \"Id\" int 4 } } \"mass\" { }}");
+    EXPECT_EQ(ok("g getLabelName Kind 4"), "Soma");
+    EXPECT_EQ(ok("lsort [g getLabelGroups]"), "Kind mass");
+    ok("g setParameters {}");
+    EXPECT_EQ(ok("g getLabelGroups"), "");
 }
