@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include "korva/core/KxMessageConsole.h"
@@ -36,6 +37,25 @@ bool isReadOnly(const char* filename) {
            ((st.st_mode & 0222) == 0 || ::access(filename, W_OK) != 0);
 }
 
+// The file that saving to path replaces: a symbolic link is followed, so the
+// file it names gets the new contents and the link stays a link.
+std::string replacedFile(const std::string& path) {
+    struct stat st;
+    if (::lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) {
+        return path;
+    }
+    char* resolved = ::realpath(path.c_str(), nullptr);
+    std::string target = resolved ? resolved : path;
+    std::free(resolved);
+    return target;
+}
+
+// A FIFO, terminal or device cannot be replaced by a new file; it is written to.
+bool isSpecialFile(const char* filename) {
+    struct stat st;
+    return ::stat(filename, &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode);
+}
+
 }  // namespace
 
 KxSafeFile::KxSafeFile(const char* filename, const char* kind)
@@ -50,13 +70,22 @@ bool KxSafeFile::open() {
         fail("the file is read-only. It is unchanged");
         return false;
     }
-    temporary_ = filename_ + ".tmpXXXXXX";
-    fd_ = ::mkstemp(&temporary_[0]);
-    if (fd_ < 0) {
-        temporary_.clear();
-        fail("cannot create a temporary file in " + directoryOf(filename_) + " (" + std::strerror(errno) +
-             ")");
-        return false;
+    if (isSpecialFile(filename_.c_str())) {
+        fd_ = ::open(filename_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+        if (fd_ < 0) {
+            fail(std::strerror(errno));
+            return false;
+        }
+    } else {
+        target_ = replacedFile(filename_);
+        temporary_ = target_ + ".tmpXXXXXX";
+        fd_ = ::mkstemp(&temporary_[0]);
+        if (fd_ < 0) {
+            temporary_.clear();
+            fail("cannot create a temporary file in " + directoryOf(target_) + " (" + std::strerror(errno) +
+                 ")");
+            return false;
+        }
     }
     struct sigaction ignore = {};
     ignore.sa_handler = SIG_IGN;
@@ -96,15 +125,23 @@ bool KxSafeFile::commit() {
     stream_.flush();
     flush();
     int error = error_;
-    if (error == 0 && (::fchmod(fd_, newFileMode(filename_.c_str())) != 0 || ::fsync(fd_) != 0)) {
+    const bool replacing = !temporary_.empty();
+    if (replacing && error == 0 && (::fchmod(fd_, newFileMode(target_.c_str())) != 0 || ::fsync(fd_) != 0)) {
         error = errno;
     }
     if (::close(fd_) != 0 && error == 0) {
         error = errno;
     }
     fd_ = -1;
-    if (error == 0 && ::rename(temporary_.c_str(), filename_.c_str()) != 0) {
+    if (replacing && error == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0) {
         error = errno;
+    }
+    if (!replacing) {
+        ::sigaction(SIGXFSZ, &oldFileSizeAction_, nullptr);
+        if (error != 0) {
+            fail(std::strerror(error));
+        }
+        return error == 0;
     }
     if (error != 0) {
         fail(std::string(std::strerror(error)) + ". The old file, if any, is unchanged");
@@ -113,7 +150,7 @@ bool KxSafeFile::commit() {
     temporary_.clear();
     ::sigaction(SIGXFSZ, &oldFileSizeAction_, nullptr);
     // Make the rename itself durable.
-    int dir = ::open(directoryOf(filename_).c_str(), O_RDONLY | O_DIRECTORY);
+    int dir = ::open(directoryOf(target_).c_str(), O_RDONLY | O_DIRECTORY);
     if (dir >= 0) {
         ::fsync(dir);
         ::close(dir);
@@ -147,6 +184,7 @@ void KxSafeFile::writeAll(const char* p, size_t n) {
 }
 
 void KxSafeFile::discard() {
+    const bool open = fd_ >= 0 || !temporary_.empty();
     if (fd_ >= 0) {
         ::close(fd_);
         fd_ = -1;
@@ -154,6 +192,8 @@ void KxSafeFile::discard() {
     if (!temporary_.empty()) {
         ::unlink(temporary_.c_str());
         temporary_.clear();
+    }
+    if (open) {
         ::sigaction(SIGXFSZ, &oldFileSizeAction_, nullptr);
     }
 }

@@ -14,8 +14,10 @@
 // default ones for a new file) and renames it over the target. Until then,
 // and whenever something fails, the target is untouched; a KxSafeFile that
 // is destroyed without a successful commit() removes its temporary file.
-// A read-only target is refused. While the file is open, a write past the
-// file size limit fails with EFBIG instead of ending the process (SIGXFSZ).
+// A read-only target is refused. A symbolic link is followed: the file it
+// names is replaced. A FIFO or device is written to directly, as it cannot
+// be replaced. While the file is open, a write past the file size limit fails
+// with EFBIG instead of ending the process (SIGXFSZ).
 //
 // Error lines read "Error: cannot write KIND "FILE": reason.", so they name
 // the user's file, never the temporary one.
@@ -64,6 +66,7 @@ private:
     std::streamsize xsputn(const char* s, std::streamsize n) override;
 
     std::string filename_;
+    std::string target_;  // the file replaced: filename_ with a symbolic link followed
     std::string kind_;
     std::string temporary_;
     int fd_ = -1;

@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -77,4 +79,18 @@ TEST_F(PackageWritersTest, SavingOverAFileKeepsItsModeOrLeavesItAsItWas) {
         EXPECT_EQ(modeOf(target), 0444u);
         ASSERT_EQ(chmod(target.c_str(), 0644), 0);
     }
+    // Through a symbolic link the file it names is replaced; a FIFO is written to.
+    const std::string link = dir_.path("link"), fifo = dir_.path("fifo");
+    ASSERT_EQ(symlink("old", link.c_str()), 0);
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0644), 0);
+    int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+    const KxFileFormat& format = *theFileFormats->find("KorvaMeshASCII");
+    EXPECT_TRUE(theFileFormats->save(format, graph, link.c_str()));
+    EXPECT_TRUE(theFileFormats->save(format, graph, fifo.c_str()));
+    char head[9] = {};
+    EXPECT_EQ(::read(reader, head, 9), 9);
+    ::close(reader);
+    EXPECT_EQ(std::string(head, 9), "KorvaMesh");
+    EXPECT_EQ(readFileBytes(target).substr(0, 9), "KorvaMesh");
+    EXPECT_EQ(dir_.list(), (std::vector<std::string>{"fifo", "link", "neuron.hoc", "old"}));
 }
