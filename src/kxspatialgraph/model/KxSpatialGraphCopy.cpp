@@ -3,6 +3,7 @@
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -133,18 +134,27 @@ bool KxSpatialGraph::merge(const KxSpatialGraph* other) {
     if (!canMerge(*this, *other)) {
         return false;
     }
+    // Other's coordinates into this graph's frame: other's transformation,
+    // then the inverse of ours. Equal transformations cancel exactly.
+    SbMatrix toThisFrame = SbMatrix::identity();
+    if (other->getTransform() != getTransform()) {
+        SbMatrix inverse = getTransform().inverse();
+        const float* m = inverse[0];
+        // Coin answers a singular matrix's inverse with the matrix itself.
+        if (getTransform().det4() == 0.0f ||
+            !std::all_of(m, m + 16, [](float x) { return std::isfinite(x); })) {
+            theMsg->printf(
+                "Error: The transformation of the graph to merge into cannot be inverted. Aborting merge.");
+            return false;
+        }
+        toThisFrame = other->getTransform();
+        toThisFrame.multRight(inverse);
+    }
     const int nV = getNumVertices();
     const int nE = getNumEdges();
     setSizeHint(nV + other->getNumVertices(), nE + other->getNumEdges(),
                 getTotalNumEdgePoints() + other->getTotalNumEdgePoints());
 
-    // Other's coordinates into this graph's frame: other's transformation,
-    // then the inverse of ours. Equal transformations cancel exactly.
-    SbMatrix toThisFrame = SbMatrix::identity();
-    if (other->getTransform() != getTransform()) {
-        toThisFrame = other->getTransform();
-        toThisFrame.multRight(getTransform().inverse());
-    }
     for (int v = 0; v < other->getNumVertices(); ++v) {
         addVertex(transformPoint(toThisFrame, other->getVertexCoords(v)));
     }

@@ -187,4 +187,14 @@ TEST(KxSpatialGraphCopyTest, MergeFailuresPrintOneMessageAndChangeNothing) {
         EXPECT_EQ(capture.lines(), std::vector<std::string>{c.message});
         EXPECT_TRUE(sameGraph(before, *g, {true, true}));
     }
+    // No frame to bring other's coordinates into.
+    auto g = makeTwoComponents(), other = makeTwoComponents();
+    g->setTransform(SbMatrix(2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1));
+    GraphSnapshot before = takeSnapshot(*g);
+    KxMessageCapture capture;
+    EXPECT_FALSE(g->merge(other.get()));
+    EXPECT_EQ(capture.lines(),
+              std::vector<std::string>{"Error: The transformation of the graph to merge into "
+                                       "cannot be inverted. Aborting merge."});
+    EXPECT_TRUE(sameGraph(before, *g));
 }
