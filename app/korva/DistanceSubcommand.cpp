@@ -53,7 +53,7 @@ bool parseCall(int argc, char** argv, DistanceCall& call) {
         } else if (std::strcmp(argv[i], "--edge") == 0 && i + 1 < argc && call.reference.empty()) {
             edge = ++i;
         } else if (std::strcmp(argv[i], "--point") == 0 && i + 1 < argc && edge >= 0) {
-            call.reference = std::string(argv[edge]) + " " + argv[++i];
+            call.reference = tclWord(argv[edge]) + " " + tclWord(argv[++i]);
         } else if (std::strcmp(argv[i], "-o") == 0 && i + 1 < argc) {
             call.out = argv[++i];
         } else if (!call.file && argv[i][0] != '-') {
@@ -78,7 +78,7 @@ int runDistance(KorvaSession& session, int argc, char** argv) {
     std::string script = "set m [create KxComputeDistanceToPoint]\n$m data connect " +
                          tclWord(graph->getLabel()) + "\n$m setRefPoint " + call.reference + "\n$m create";
     if (tcl.eval(script.c_str()) != TCL_OK) {
-        session.reportError();
+        session.printErrorMessage();
         return 1;
     }
     KxData* result = theObjectPool->findData(tcl.result().c_str());

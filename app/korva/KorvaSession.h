@@ -43,10 +43,11 @@ public:
     // Prints a failed evaluation: the message (unless a command printed it
     // already as its "Error: " or "USAGE: " line) and Tcl's trace of where it happened.
     void reportError();
+    // Prints the failure's message unless a command printed it already; for
+    // commands korva composed itself, whose trace would show its own script.
+    void printErrorMessage();
 
 private:
-    // Prints the failure's message unless a command printed it already.
-    void printErrorMessage();
     static void finish(int code);
 
     std::unique_ptr<KxTclInterpreter> tcl_;
