@@ -22,11 +22,6 @@ namespace {
 
 using ReportTrees = int (*)(KxData* data, FILE* out, int listLines, int label);
 
-int usage() {
-    std::fprintf(stderr, "usage: korva trees FILE [-l] [-o OUT]\n");
-    return 2;
-}
-
 ReportTrees findReport() {
     std::string library = thePackageLoader->getLibraryPath("kxspatialgraph");
     void* handle = library.empty() ? nullptr : dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
@@ -49,11 +44,11 @@ int runTrees(KorvaSession&, int argc, char** argv) {
         } else if (!file && argv[i][0] != '-') {
             file = argv[i];
         } else {
-            return usage();
+            return KorvaSubcommand::find("trees")->usage();
         }
     }
     if (!file) {
-        return usage();
+        return KorvaSubcommand::find("trees")->usage();
     }
     KxData* graph = KorvaSession::loadFirst(file, "KxSpatialGraph", "spatial graph");
     if (!graph) {
@@ -61,7 +56,7 @@ int runTrees(KorvaSession&, int argc, char** argv) {
     }
     const KxFileFormat* format = out ? theFileFormats->findWriter(out, graph) : nullptr;
     if (out && !format) {
-        theMsg->printf("Error: no format writes %s to files named like %s", graph->getTypeName(), out);
+        theMsg->printf("Error: No format writes %s to files named like %s.", graph->getTypeName(), out);
         return 1;
     }
     ReportTrees report = findReport();

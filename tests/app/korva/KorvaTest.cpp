@@ -182,6 +182,7 @@ TEST_F(KorvaTest, RunsPrintExactlyTheirOutputAndExitWithTheirCode) {
         {{"stats", "cell.swc"}, {0, stats, ""}},
         {{"stats", "cell.swc", "-o", "cell.csv"}, {0, "", ""}},
         {{"stats"}, {2, "", "USAGE: korva stats FILE [-o OUT.csv]\n"}},
+        {{"trees", "cell.swc", "-o"}, {2, "", "USAGE: korva trees FILE [-l] [-o OUT]\n"}},
         {{"distance", "cell.swc", "--edge", "0", "--point", "9", "-o", "bad.kxm"},
          {1, "", "Error: invalid point number 9, should be 0..2\n"}},
         {{"distance", "cell.swc", "--edge", "[puts x]", "--point", "0", "-o", "x.kxm"},
