@@ -13,6 +13,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "KorvaGui.h"
 #include "KorvaSession.h"
@@ -50,8 +51,22 @@ bool exists(const char* path) {
     return stat(path, &info) == 0;
 }
 
+// Whether a format reads files of path's extension (".kxm", ".swc", ...).
+bool namedLikeData(const char* path) {
+    const std::string extension = KxFileFormatRegistry::extensionOf(path);
+    for (int i = 0; i < theFileFormats->size(); ++i) {
+        const KxFileFormat& format = theFileFormats->get(i);
+        if (format.read && !extension.empty() && format.hasExtension(extension)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // A first argument that is no option or subcommand: a script ends in ".tcl"
-// or is a file no format reads; a file a format reads is data.
+// or is a file no format reads; a file a format reads is data. So is a file
+// named like data that no reader accepts: it is refused with an error, not
+// run as a script.
 int runFileArgument(KorvaSession& session, int argc, char** argv) {
     const char* path = argv[1];
     if (!endsWith(path, ".tcl") && !exists(path)) {
@@ -59,7 +74,7 @@ int runFileArgument(KorvaSession& session, int argc, char** argv) {
                        path);
         return 2;
     }
-    if (endsWith(path, ".tcl") || !theFileFormats->findReader(path)) {
+    if (endsWith(path, ".tcl") || (!namedLikeData(path) && !theFileFormats->findReader(path))) {
         return session.runScript(path, argc - 2, argv + 2);
     }
     int status = session.loadAndDescribe(argc - 1, argv + 1);

@@ -81,6 +81,7 @@ TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
     write("damaged.kxm", kDamagedGraph);
     write("noext", "puts \"ran [lindex $argv 0]\"\n");
     write("data.xyz", "something");
+    write("notmesh.kxm", "puts ran\n");
     ASSERT_EQ(korva({"-c", "source cross.tcl; save KorvaMesh cross cross.kxm"}).status, 0);
     struct Case {
         std::vector<std::string> args;
@@ -94,6 +95,7 @@ TEST_F(KorvaTest, CommandLineAnswersEachCallOnceOnTheRightStream) {
         {{"-x"}, 2, false, "usage: korva "},
         {{"nothing"}, 2, false, "Error: No file or subcommand named \"nothing\""},
         {{"noext", "arg"}, 0, true, "ran arg\n"},
+        {{"notmesh.kxm"}, 1, false, "Error: Unknown file format of notmesh.kxm.\n"},
         {{"cross.kxm"}, 0, true, "Vertices:    4\n"},
         {{"info", "cross.kxm"}, 0, true, "Attribute:   thickness (POINT, float, 1)\n"},
         {{"info", "cross.kxm"}, 0, true, "Attribute:   Topology (POINT, int, 1), label group Topology\n"},
