@@ -15,9 +15,6 @@
 
 namespace {
 
-const char* const kArrayNames[] = {"VertexCoordinates", "EdgeConnectivity", "NumEdgePoints",
-                                   "EdgePointCoordinates"};
-
 // Deliberate: the traditional text gets the "Error: " prefix, so that the
 // failure reads like every other one and the host adds no second line.
 void printExpectingAtLeast(const char* filename) {
@@ -130,15 +127,6 @@ GraphAttribute* addAttributeWithValues(KxSpatialGraph* graph, const KorvaMesh::D
     return a;
 }
 
-bool isGraphArray(const char* name) {
-    for (const char* fixed : kArrayNames) {
-        if (std::strcmp(name, fixed) == 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // Turns every other mesh array of the three locations into an attribute and
 // ties it to the label group of its name. False if a label tree is broken.
 bool addAttributes(KxSpatialGraph* graph, const KorvaMesh& mesh) {
@@ -149,7 +137,7 @@ bool addAttributes(KxSpatialGraph* graph, const KorvaMesh& mesh) {
         KxSpatialGraph::Location loc = std::strcmp(location, "VERTEX") == 0 ? KxSpatialGraph::VERTEX
                                        : std::strcmp(location, "EDGE") == 0 ? KxSpatialGraph::EDGE
                                                                             : KxSpatialGraph::POINT;
-        if (isGraphArray(d->getName()) ||
+        if (KxSpatialGraph::isKorvaMeshArrayName(d->getName()) ||
             (loc == KxSpatialGraph::POINT && std::strcmp(location, "POINT") != 0)) {
             continue;
         }

@@ -323,7 +323,12 @@ public:
     // inconsistent graph gets "Error: Inconsistent spatialgraph!!!" and is
     // written anyway. 0 after an error line when the file cannot be written
     // (the old file then stays as it was), else 1.
+    // Refuses, with an error line and the old file intact, a graph with an
+    // attribute named like one of the layout's own arrays (it would be lost).
     int saveKorvaMesh(const char* filename, KorvaMeshEncoding encoding = KorvaMeshEncoding::Binary);
+    // "VertexCoordinates", "EdgeConnectivity", "NumEdgePoints" and
+    // "EdgePointCoordinates": in a file these are never attributes.
+    static bool isKorvaMeshArrayName(const char* name);
 
     // ---- Copy, merge, transform, bounding boxes, range sets, console commands ----
     // (KxSpatialGraphCopy.cpp, KxSpatialGraphTransform.cpp, KxSpatialGraphCommands.cpp)

@@ -93,6 +93,16 @@ int addEdgeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** 
     return changed(graph, interp, graph.addEdge(s, t, points.data(), static_cast<int>(points.size())));
 }
 
+// An attribute of such a name could not be saved: the console has no way
+// to rename or delete one made by mistake.
+bool nameCanBeSaved(Tcl_Interp* interp, const char* name) {
+    if (!KxSpatialGraph::isKorvaMeshArrayName(name)) {
+        return true;
+    }
+    KxCommandReply::failf(interp, "Error: %s is the name of one of the graph's own arrays in files.", name);
+    return false;
+}
+
 // addAttribute name VERTEX|EDGE|POINT int|float ?nDataVar?
 int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, char** args, const char* text) {
     KxSpatialGraph::Location loc;
@@ -109,6 +119,9 @@ int addAttributeCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, ch
                        nDataVar > KorvaMesh::kMaxComponents)) {
         return KxCommandReply::failf(interp, "Error: nDataVar must be a number from 1 to %d, not \"%s\".",
                                      KorvaMesh::kMaxComponents, args[3]);
+    }
+    if (!nameCanBeSaved(interp, args[0])) {
+        return TCL_ERROR;
     }
     graph.addAttribute(args[0], loc, isInt ? PrimType::INT32 : PrimType::FLOAT32, nDataVar);
     graph.touch(KxData::NEW_DATA);
@@ -169,6 +182,9 @@ int addLabelGroupCommand(KxSpatialGraph& graph, Tcl_Interp* interp, int nargs, c
             return KxCommandReply::usage(interp, text);
         }
         at[loc] = true;
+    }
+    if (!nameCanBeSaved(interp, args[0])) {
+        return TCL_ERROR;
     }
     graph.addNewLabelGroup(args[0], at[KxSpatialGraph::EDGE], at[KxSpatialGraph::VERTEX],
                            at[KxSpatialGraph::POINT]);

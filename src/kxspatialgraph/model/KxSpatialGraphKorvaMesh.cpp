@@ -37,7 +37,30 @@ void addAttributeArrays(KorvaMesh& mesh, const KorvaMesh::Location* location, in
 
 }  // namespace
 
+bool KxSpatialGraph::isKorvaMeshArrayName(const char* name) {
+    for (const char* fixed :
+         {"VertexCoordinates", "EdgeConnectivity", "NumEdgePoints", "EdgePointCoordinates"}) {
+        if (std::strcmp(name, fixed) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 int KxSpatialGraph::saveKorvaMesh(const char* filename, KorvaMeshEncoding encoding) {
+    static const char* const kLocationNames[] = {"VERTEX", "EDGE", "POINT"};
+    for (Location loc : {VERTEX, EDGE, POINT}) {
+        for (int i = 0; i < numAttributes(loc); ++i) {
+            if (isKorvaMeshArrayName(attribute(loc, i)->getName())) {
+                theMsg->printf(
+                    "Error: cannot write KorvaMesh file \"%s\": the %s attribute \"%s\" has the name of one "
+                    "of "
+                    "the graph's own arrays.",
+                    filename, kLocationNames[loc], attribute(loc, i)->getName());
+                return 0;
+            }
+        }
+    }
     if (!isConsistent()) {
         theMsg->printf("Error: Inconsistent spatialgraph!!!");
     }

@@ -115,6 +115,16 @@ TEST(SpatialGraphKorvaMeshTest, InconsistentGraphIsReportedAndStillWritten) {
     EXPECT_EQ(describeDifference(*g, *back, kFileRoundTrip), "");
     // Loading runs the consistency check, which reports the same faults.
     EXPECT_GT(capture.numErrors(), 0);
+
+    // An attribute the file could not give back is refused; the file stays.
+    const std::string before = readFileBytes(path);
+    g->addAttribute("EdgePointCoordinates", KxSpatialGraph::VERTEX, PrimType::FLOAT32, 3);
+    capture.clear();
+    EXPECT_EQ(g->saveKorvaMesh(path.c_str()), 0);
+    EXPECT_EQ(capture.lines(), std::vector<std::string>{"Error: cannot write KorvaMesh file \"" + path +
+                                                        "\": the VERTEX attribute \"EdgePointCoordinates\" "
+                                                        "has the name of one of the graph's own arrays."});
+    EXPECT_EQ(readFileBytes(path), before);
 }
 
 // A hand-made mesh in the current layout: 2 vertices, 1 edge with 3 points;
