@@ -51,7 +51,10 @@ DArray<Vec3f> SmoothOperation::smoothEdge(const DArray<Vec3f>& p, int n) const {
     }
     int m = p.size();
     int h = (n - 1) / 2;
-    for (int i = h; i <= m - 1 - h; ++i) {
+    // The ends stay at their vertices even when h is 0 (n = 2 would
+    // otherwise halve them and detach the edge from its vertices).
+    int first = h > 0 ? h : 1;
+    for (int i = first; i <= m - 1 - first; ++i) {
         for (int c = 0; c < 3; ++c) {
             if (!direction_[c]) {
                 continue;

@@ -49,6 +49,14 @@ TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactly) {
         {"n = 3 changes the interior points only", p, 3, true, true, true, {0, 3, 7, 14, 24}, 2},
         {"n = 1 changes nothing", p, 1, true, true, true, {0, 3, 6, 12, 24}, 1},
         {"n = 4 sums 3 points and divides by 4", p, 4, true, true, true, {0, 2.25f, 5.25f, 10.5f, 24}, 1.5f},
+        {"n = 2 halves the interior points but keeps the ends",
+         p,
+         2,
+         true,
+         true,
+         true,
+         {0, 1.5f, 3, 6, 24},
+         0.5f},
         {"only x enabled", p, 3, true, false, false, {0, 3, 7, 14, 24}, 1},
         {"fewer points than 2h + 1", DArray<Vec3f>{p[0], p[1]}, 3, true, true, true, {0, 3}, 1},
     };
@@ -61,6 +69,7 @@ TEST(OperationEffectsTest, SmoothEdgeAveragesOnePassExactly) {
         EXPECT_EQ(xs(smoothed), c.x_);
         EXPECT_FLOAT_EQ(smoothed[1].y, c.y1);
         EXPECT_EQ(smoothed[0], c.points[0]);
+        EXPECT_EQ(smoothed.last(), c.points.last());
     }
 }
 
