@@ -201,7 +201,7 @@ py::dict edit(PyGraph& self, const std::string& operation, const py::args& args,
     std::vector<std::string> words;
     PySession::locked([&] { words = editWords(self, operation, args, options); });
     SelectionAnswer answer;
-    PySession::run([&] {
+    PySession::runCommand([&] {
         std::string result;
         if (!evaluate(words, result)) {
             return false;
@@ -230,7 +230,7 @@ std::string undoOrRedo(bool undo) {
         change.emplace(*graph, undo ? "undo" : "redo");
     }
     std::string description;
-    PySession::run([&] { return evaluate({undo ? "undo" : "redo"}, description); });
+    PySession::runCommand([&] { return evaluate({undo ? "undo" : "redo"}, description); });
     return description;
 }
 
@@ -245,7 +245,9 @@ void bindEditing(py::module_& module, PyGraphClass& graph) {
               "points= (K x 2 edge, point pairs); options: polyline=, radii=, start=, n=, direction=, "
               "remove_intermediate=. Answers the selection highlighted afterwards as a dict of the "
               "same keys, which can be passed on: graph.edit(\"delete\", **selection). Bad indices "
-              "raise IndexError, refused edits Error; BufferError while views of the graph exist. "
+              "raise IndexError, refused edits Error; BufferError while views of the graph exist. An edit "
+              "that was carried out but printed \"Error: ...\" lines (the consistency report of a "
+              "damaged graph) gives them as warnings. "
               "Example: graph.edit(\"delete\", vertices=[3, 4], edges=[2, 3]).");
     module.def(
         "undo", [] { return undoOrRedo(true); },

@@ -27,12 +27,38 @@ bool startsWith(const std::string& line, const char* prefix) {
 
 void forwardLines(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
-        if (startsWith(line, "Warning: ")) {
-            PyErr_WarnEx(PyExc_UserWarning, line.c_str(), 1);
+        if (startsWith(line, "Warning: ") || startsWith(line, "Error: ")) {
+            // Raises when warnings are turned into errors.
+            if (PyErr_WarnEx(PyExc_UserWarning, line.c_str(), 1) != 0) {
+                throw py::error_already_set();
+            }
         } else {
             py::module_::import("sys").attr("stdout").attr("write")(line + "\n");
         }
     }
+}
+
+// Runs work without the GIL under the library lock; answers its answer and
+// whether it printed "Error: " lines, and its lines.
+bool runLocked(const std::function<bool()>& work, bool& printedErrors, std::vector<std::string>& lines) {
+    py::gil_scoped_release release;
+    std::lock_guard<std::mutex> lock(theLibraryLock);
+    KxMessageCapture capture;
+    const bool ok = work();
+    printedErrors = capture.numErrors() > 0;
+    lines = capture.lines();
+    return ok;
+}
+
+[[noreturn]] void raiseErrors(const std::vector<std::string>& lines, const char* fallback) {
+    std::string errors;
+    for (const std::string& line : lines) {
+        if (startsWith(line, "Error: ")) {
+            errors += errors.empty() ? line : "\n" + line;
+        }
+    }
+    PyErr_SetString(theErrorClass.ptr(), errors.empty() ? fallback : errors.c_str());
+    throw py::error_already_set();
 }
 
 }  // namespace
@@ -56,26 +82,20 @@ KxTclInterpreter& PySession::tcl() {
 
 void PySession::run(const std::function<bool()>& work, const char* fallback) {
     std::vector<std::string> lines;
-    bool ok = false;
-    {
-        py::gil_scoped_release release;
-        std::lock_guard<std::mutex> lock(theLibraryLock);
-        KxMessageCapture capture;
-        ok = work() && capture.numErrors() == 0;
-        lines = capture.lines();
+    bool printedErrors = false;
+    if (!runLocked(work, printedErrors, lines) || printedErrors) {
+        raiseErrors(lines, fallback);
     }
-    if (ok) {
-        forwardLines(lines);
-        return;
+    forwardLines(lines);
+}
+
+void PySession::runCommand(const std::function<bool()>& command) {
+    std::vector<std::string> lines;
+    bool printedErrors = false;
+    if (!runLocked(command, printedErrors, lines)) {
+        raiseErrors(lines, "Error: The call failed.");
     }
-    std::string errors;
-    for (const std::string& line : lines) {
-        if (startsWith(line, "Error: ")) {
-            errors += errors.empty() ? line : "\n" + line;
-        }
-    }
-    PyErr_SetString(theErrorClass.ptr(), errors.empty() ? fallback : errors.c_str());
-    throw py::error_already_set();
+    forwardLines(lines);
 }
 
 void PySession::locked(const std::function<void()>& work) {

@@ -24,6 +24,10 @@ public:
     // there were none); otherwise warnings become Python warnings and plain
     // lines go to sys.stdout.
     static void run(const std::function<bool()>& work, const char* fallback = "Error: The call failed.");
+    // The same for a console command that decides its own success: only its
+    // answer false raises; "Error: " lines of a command that succeeded (an
+    // edit that changed the graph and is on the undo stack) become warnings.
+    static void runCommand(const std::function<bool()>& command);
     // Runs work under the library lock, the caller keeping the GIL: for short
     // reads that hand data to Python and print nothing.
     static void locked(const std::function<void()>& work);

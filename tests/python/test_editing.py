@@ -41,6 +41,17 @@ def test_undo_restores_and_redo_repeats(operation, args, options):
     assert_same_arrays(arrays_of(y), after)
 
 
+def test_an_edit_carried_out_on_a_damaged_graph_warns_and_undoes():
+    y = build_y()
+    y.edit("move", 3, 1.5, 2, 3)  # edge 2 still ends at the old place: the graph is damaged
+    with pytest.warns(UserWarning, match="^Error: target vertex 3"):
+        y.edit("delete", edges=[0])
+    assert y.num_edges == 2
+    with pytest.warns(UserWarning, match="^Error: target vertex 3"):
+        assert kxspatialgraph.undo() == "delete on graph"
+    assert y.num_edges == 3
+
+
 def test_the_answer_is_the_highlighted_selection_and_passes_on():
     y = build_y()
     added = y.edit("addVertex", [30, 0, 0])
