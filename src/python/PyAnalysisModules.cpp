@@ -54,19 +54,19 @@ py::object column(const KxSpreadSheet::Table& t, int c) {
     return std::move(values);
 }
 
+// The graph is read in one locked call: between two calls another thread
+// may edit it.
 py::dict statistics(const PyGraph& self, const py::object& edges) {
     const KxSpatialGraph& g = self.graph();
-    SpatialGraphSelection selection;
-    PySession::locked([&] {
-        selection.resize(g.getNumVertices(), g.getNumEdges());
-        if (!edges.is_none()) {
-            for (int e : checkedIndices(edges, g.getNumEdges(), "edge")) {
-                selection.selectEdge(e);
-            }
-        }
-    });
+    const std::vector<long long> wanted =
+        edges.is_none() ? std::vector<long long>() : indexValues(edges, "edge");
     KxSpreadSheet sheet;
     PySession::run([&] {
+        SpatialGraphSelection selection;
+        selection.resize(g.getNumVertices(), g.getNumEdges());
+        for (int e : checkedIndices(wanted, g.getNumEdges(), "edge")) {
+            selection.selectEdge(e);
+        }
         KxSpatialGraphStats::computeTables(&g, &selection, sheet);
         return true;
     });
@@ -85,9 +85,11 @@ py::dict statistics(const PyGraph& self, const py::object& edges) {
 py::array_t<float> distanceToPoint(const PyGraph& self, const py::object& edge, const py::object& point,
                                    const py::object& position) {
     const KxSpatialGraph& g = self.graph();
-    int refEdge = -1;
-    int refPoint = -1;
-    if (!position.is_none()) {
+    const bool byPosition = !position.is_none();
+    Vec3f at;
+    long long edgeArg = 0;
+    long long pointArg = 0;
+    if (byPosition) {
         if (!edge.is_none() || !point.is_none()) {
             throw py::type_error("give either position or edge and point, not both");
         }
@@ -95,29 +97,32 @@ py::array_t<float> distanceToPoint(const PyGraph& self, const py::object& edge, 
         if (p.size() != 3) {
             throw py::value_error("position must have 3 coordinates");
         }
-        PySession::locked([&] {
-            KxComputeDistanceToPoint::findClosestPoint(&g, Vec3f(p[0], p[1], p[2]), refEdge, refPoint);
-        });
-        if (refEdge < 0) {
-            throw py::value_error("the graph has no edge points to measure from");
-        }
+        at = Vec3f(p[0], p[1], p[2]);
     } else {
         if (edge.is_none() || point.is_none()) {
             throw py::type_error("give position, or edge and point");
         }
-        PySession::locked([&] {
-            refEdge = checkedIndex(edge.cast<long long>(), g.getNumEdges(), "edge");
-            refPoint = checkedIndex(point.cast<long long>(), g.getNumEdgePoints(refEdge), "point");
-        });
+        edgeArg = edge.cast<long long>();
+        pointArg = point.cast<long long>();
     }
-    py::array_t<float> values(g.getTotalNumEdgePoints());
-    float* out = values.mutable_data();
-    std::fill(out, out + values.size(), std::numeric_limits<float>::max());
+    std::vector<float> values;
     PySession::run([&] {
-        KxComputeDistanceToPoint::computeDistances(&g, refEdge, refPoint, out);
+        int refEdge = -1;
+        int refPoint = -1;
+        if (byPosition) {
+            KxComputeDistanceToPoint::findClosestPoint(&g, at, refEdge, refPoint);
+            if (refEdge < 0) {
+                throw py::value_error("the graph has no edge points to measure from");
+            }
+        } else {
+            refEdge = checkedIndex(edgeArg, g.getNumEdges(), "edge");
+            refPoint = checkedIndex(pointArg, g.getNumEdgePoints(refEdge), "point");
+        }
+        values.assign(static_cast<size_t>(g.getTotalNumEdgePoints()), std::numeric_limits<float>::max());
+        KxComputeDistanceToPoint::computeDistances(&g, refEdge, refPoint, values.data());
         return true;
     });
-    return values;
+    return py::array_t<float>(static_cast<py::ssize_t>(values.size()), values.data());
 }
 
 }  // namespace

@@ -269,20 +269,22 @@ std::unique_ptr<PyGraph> derived(const PyGraph& self, const char* suffix,
     return std::make_unique<PyGraph>(graph);
 }
 
+// The indices are checked in the same locked call that copies: between two
+// calls another thread may edit the graph.
 std::unique_ptr<PyGraph> subgraph(const PyGraph& self, const py::object& vertices, const py::object& edges) {
-    const KxSpatialGraph& g = self.graph();
-    SpatialGraphSelection selection;
-    PySession::locked([&] {
-        selection.resize(g.getNumVertices(), g.getNumEdges());
-        for (int v : checkedIndices(vertices, g.getNumVertices(), "vertex")) {
+    const std::vector<long long> wantedVertices = indexValues(vertices, "vertex");
+    const std::vector<long long> wantedEdges = indexValues(edges, "edge");
+    return derived(self, "-subgraph", [&](const KxSpatialGraph& graph) {
+        SpatialGraphSelection selection;
+        selection.resize(graph.getNumVertices(), graph.getNumEdges());
+        for (int v : checkedIndices(wantedVertices, graph.getNumVertices(), "vertex")) {
             selection.selectVertex(v);
         }
-        for (int e : checkedIndices(edges, g.getNumEdges(), "edge")) {
+        for (int e : checkedIndices(wantedEdges, graph.getNumEdges(), "edge")) {
             selection.selectEdge(e);
         }
+        return graph.getSubgraph(selection);
     });
-    return derived(self, "-subgraph",
-                   [&](const KxSpatialGraph& graph) { return graph.getSubgraph(selection); });
 }
 
 }  // namespace

@@ -8,5 +8,10 @@
 // 0 .. count - 1, else IndexError (TypeError for something else); `what`
 // names the elements in the message ("vertex").
 std::vector<int> checkedIndices(const pybind11::handle& value, int count, const char* what);
+// The same in two steps, so that the range is checked where the graph cannot
+// change: the integers of the argument (with the GIL), then their range
+// (without it, under the library lock).
+std::vector<long long> indexValues(const pybind11::handle& value, const char* what);
+std::vector<int> checkedIndices(const std::vector<long long>& values, int count, const char* what);
 // One index, counted from the end when negative, as Python does.
 int checkedIndex(long long index, int count, const char* what);

@@ -28,6 +28,11 @@ py::array_t<int32_t> toArray(const DArray<int>& values) {
     return py::array_t<int32_t>(values.size(), values.dataPtr());
 }
 
+template <typename T>
+py::array_t<T> toArray(const std::vector<T>& values) {
+    return py::array_t<T>(static_cast<py::ssize_t>(values.size()), values.data());
+}
+
 py::list toArrays(const DArray<DArray<int>>& lists) {
     py::list result;
     for (int i = 0; i < lists.size(); ++i) {
@@ -59,7 +64,7 @@ py::array_t<float> edgeLengthsArray(const PyGraph& self) {
         lengths = edgeLengths(self.graph());
         return true;
     });
-    return py::array_t<float>(static_cast<py::ssize_t>(lengths.size()), lengths.data());
+    return toArray(lengths);
 }
 
 py::array_t<float> boundingBox(const PyGraph& self, bool transformed) {
@@ -91,12 +96,16 @@ void numberBits(const BitField& bits, int k, std::vector<int32_t>& index) {
     }
 }
 
+// Results are sized inside the same locked call that fills them: until then
+// another thread may be editing the graph.
 py::dict components(const PyGraph& self) {
     const KxSpatialGraph& g = self.graph();
-    std::vector<int32_t> vertex(static_cast<size_t>(g.getNumVertices()), -1);
-    std::vector<int32_t> edge(static_cast<size_t>(g.getNumEdges()), -1);
+    std::vector<int32_t> vertex;
+    std::vector<int32_t> edge;
     int count = 0;
     PySession::run([&] {
+        vertex.assign(static_cast<size_t>(g.getNumVertices()), -1);
+        edge.assign(static_cast<size_t>(g.getNumEdges()), -1);
         SpatialGraphSelection all(&g);
         all.selectAllVerticesAndEdges();
         DArray<SpatialGraphSelection> found = g.getAllConnectedComponents(all);
@@ -109,8 +118,8 @@ py::dict components(const PyGraph& self) {
     });
     py::dict result;
     result["count"] = count;
-    result["vertex"] = py::array_t<int32_t>(static_cast<py::ssize_t>(vertex.size()), vertex.data());
-    result["edge"] = py::array_t<int32_t>(static_cast<py::ssize_t>(edge.size()), edge.data());
+    result["vertex"] = toArray(vertex);
+    result["edge"] = toArray(edge);
     return result;
 }
 
@@ -207,53 +216,54 @@ void addAttributeColumns(const KxSpatialGraph& g, KxSpatialGraph::Location locat
     }
 }
 
-py::object edgeTable(py::handle self) {
-    const KxSpatialGraph& g = self.cast<PyGraph&>().graph();
-    std::vector<float> lengths;
-    std::vector<int32_t> counts(static_cast<size_t>(g.getNumEdges()));
-    PySession::run([&] {
-        lengths = edgeLengths(g);
-        for (int e = 0; e < g.getNumEdges(); ++e) {
-            counts[static_cast<size_t>(e)] = g.getNumEdgePoints(e);
-        }
-        return true;
-    });
-    py::object ends = self.attr("edges");
+// Tables are made in one locked pass, so that all columns describe the same
+// graph even when another thread waits to edit it.
+py::object edgeTable(const PyGraph& self) {
+    const KxSpatialGraph& g = self.graph();
     py::dict columns;
-    columns["source"] = ends[py::make_tuple(py::slice(0, g.getNumEdges(), 1), 0)];
-    columns["target"] = ends[py::make_tuple(py::slice(0, g.getNumEdges(), 1), 1)];
-    columns["num_points"] = py::array_t<int32_t>(static_cast<py::ssize_t>(counts.size()), counts.data());
-    columns["length"] = py::array_t<float>(static_cast<py::ssize_t>(lengths.size()), lengths.data());
-    PySession::locked([&] { addAttributeColumns(g, KxSpatialGraph::EDGE, columns); });
+    PySession::locked([&] {
+        const auto n = static_cast<size_t>(g.getNumEdges());
+        std::vector<int32_t> ends[2] = {std::vector<int32_t>(n), std::vector<int32_t>(n)};
+        std::vector<int32_t> counts(n);
+        for (size_t e = 0; e < n; ++e) {
+            ends[0][e] = g.getEdgeSource(static_cast<int>(e));
+            ends[1][e] = g.getEdgeTarget(static_cast<int>(e));
+            counts[e] = g.getNumEdgePoints(static_cast<int>(e));
+        }
+        columns["source"] = toArray(ends[0]);
+        columns["target"] = toArray(ends[1]);
+        columns["num_points"] = toArray(counts);
+        columns["length"] = toArray(edgeLengths(g));
+        addAttributeColumns(g, KxSpatialGraph::EDGE, columns);
+    });
     return table(columns);
 }
 
 const char* const kNodeTypeNames[] = {"isolated", "ending", "intermediate", "branching"};
 
-py::object vertexTable(py::handle self) {
-    const KxSpatialGraph& g = self.cast<PyGraph&>().graph();
-    std::vector<int32_t> degree(static_cast<size_t>(g.getNumVertices()));
-    std::vector<int> kind(degree.size());
-    PySession::run([&] {
-        for (int v = 0; v < g.getNumVertices(); ++v) {
-            degree[static_cast<size_t>(v)] = g.getIncidentEdges(v).size();
-            kind[static_cast<size_t>(v)] = SpatialGraphFunctions::getNodeType(&g, v);
-        }
-        return true;
-    });
-    py::object coords = self.attr("vertices").attr("copy")();
-    py::list kinds;
-    for (int k : kind) {
-        kinds.append(kNodeTypeNames[k]);
-    }
+py::object vertexTable(const PyGraph& self) {
+    const KxSpatialGraph& g = self.graph();
     py::dict columns;
-    for (int axis = 0; axis < 3; ++axis) {
-        columns[py::str(std::string(1, static_cast<char>('x' + axis)))] =
-            coords[py::make_tuple(py::slice(0, g.getNumVertices(), 1), axis)];
-    }
-    columns["degree"] = py::array_t<int32_t>(static_cast<py::ssize_t>(degree.size()), degree.data());
-    columns["node_type"] = kinds;
-    PySession::locked([&] { addAttributeColumns(g, KxSpatialGraph::VERTEX, columns); });
+    PySession::locked([&] {
+        const auto n = static_cast<size_t>(g.getNumVertices());
+        std::vector<float> coords[3] = {std::vector<float>(n), std::vector<float>(n), std::vector<float>(n)};
+        std::vector<int32_t> degree(n);
+        py::list kinds;
+        for (size_t v = 0; v < n; ++v) {
+            const Vec3f& at = g.getVertexCoords(static_cast<int>(v));
+            coords[0][v] = at.x;
+            coords[1][v] = at.y;
+            coords[2][v] = at.z;
+            degree[v] = g.getIncidentEdges(static_cast<int>(v)).size();
+            kinds.append(kNodeTypeNames[SpatialGraphFunctions::getNodeType(&g, static_cast<int>(v))]);
+        }
+        columns["x"] = toArray(coords[0]);
+        columns["y"] = toArray(coords[1]);
+        columns["z"] = toArray(coords[2]);
+        columns["degree"] = toArray(degree);
+        columns["node_type"] = kinds;
+        addAttributeColumns(g, KxSpatialGraph::VERTEX, columns);
+    });
     return table(columns);
 }
 

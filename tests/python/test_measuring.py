@@ -1,5 +1,6 @@
 """Measuring graphs whose answers are known by hand."""
 import sys
+import threading
 
 import numpy as np
 import pandas
@@ -107,3 +108,24 @@ def test_statistics_and_distance_along_two_straight_edges():
         graph.distance_to_point(edge=3, point=0)
     with pytest.raises(TypeError):
         graph.distance_to_point(edge=0)
+
+
+def test_tables_and_distances_stay_whole_while_another_thread_edits():
+    chain = np.arange(2000)
+    graph = kxspatialgraph.from_arrays(np.c_[chain, chain * 0, chain * 0], np.c_[chain[:-1], chain[1:]])
+    stop = threading.Event()
+
+    def add_vertices():
+        while not stop.is_set():
+            graph.edit("addVertex", [1, 2, 3])
+
+    editor = threading.Thread(target=add_vertices)
+    editor.start()
+    try:
+        for _ in range(40):
+            table = graph.vertex_table()
+            assert len(table["x"]) == len(table["degree"]) == len(table["node_type"])
+            assert graph.distance_to_point(edge=0, point=0)[0] == 0
+    finally:
+        stop.set()
+        editor.join()
