@@ -93,7 +93,7 @@ py::array_t<float> distanceToPoint(const PyGraph& self, const py::object& edge, 
         if (!edge.is_none() || !point.is_none()) {
             throw py::type_error("give either position or edge and point, not both");
         }
-        const auto p = position.cast<std::vector<float>>();
+        const auto p = castArgument<std::vector<float>>(position, "a position (x, y, z)");
         if (p.size() != 3) {
             throw py::value_error("position must have 3 coordinates");
         }
@@ -102,8 +102,8 @@ py::array_t<float> distanceToPoint(const PyGraph& self, const py::object& edge, 
         if (edge.is_none() || point.is_none()) {
             throw py::type_error("give position, or edge and point");
         }
-        edgeArg = edge.cast<long long>();
-        pointArg = point.cast<long long>();
+        edgeArg = castArgument<long long>(edge, "an edge index");
+        pointArg = castArgument<long long>(point, "a point index");
     }
     std::vector<float> values;
     PySession::run([&] {

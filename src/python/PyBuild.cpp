@@ -41,8 +41,8 @@ py::array attributeArray(const std::string& name, const py::handle& values, py::
     }
     const char kind = a.dtype().kind();
     if (kind == 'b' || kind == 'i' || kind == 'u') {
-        if (a.size() > 0 && (py::int_(a.attr("min")()).cast<long long>() < INT_MIN ||
-                             py::int_(a.attr("max")()).cast<long long>() > INT_MAX)) {
+        if (a.size() > 0 && (py::int_(a.attr("min")()) < py::int_(INT_MIN) ||
+                             py::int_(a.attr("max")()) > py::int_(INT_MAX))) {
             throw py::value_error("attribute \"" + name + "\" holds integers beyond 32 bits");
         }
         return Rows<int32_t>::ensure(a);
@@ -154,9 +154,9 @@ GraphArrays takeArrays(const py::object& vertices, const py::object& edges, cons
 }
 
 void addLabel(KxParamBundle& bundle, const py::dict& label) {
-    bundle.setInt("Id", label["id"].cast<int>());
+    bundle.setInt("Id", castArgument<int>(label["id"], "an integer label id"));
     if (label.contains("color") && !label["color"].is_none()) {
-        auto rgb = label["color"].cast<std::vector<float>>();
+        auto rgb = castArgument<std::vector<float>>(label["color"], "a label colour (r, g, b)");
         if (rgb.size() != 3) {
             throw py::value_error("a label colour is (r, g, b)");
         }

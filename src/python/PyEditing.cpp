@@ -63,9 +63,9 @@ void addWords(const py::handle& value, std::vector<std::string>& words) {
         throw py::type_error("edit arguments are numbers, positions or N x 3 point arrays");
     }
     if (a.ndim() == 0 && a.dtype().kind() != 'f') {
-        words.push_back(number(value.cast<int64_t>()));
+        words.push_back(number(castArgument<int64_t>(value, "a number")));
     } else if (a.ndim() == 0) {
-        words.push_back(number(value.cast<double>()));
+        words.push_back(number(castArgument<double>(value, "a number")));
     } else if (a.ndim() == 1) {
         for (auto item : a) {
             addWords(item, words);
@@ -130,7 +130,7 @@ std::vector<std::string> editWords(const PyGraph& self, const std::string& opera
         } else if (key == "polyline" || key == "radii" || key == "start" || key == "direction") {
             addOption(words, ("-" + key).c_str(), numberList(value));
         } else if (key == "n") {
-            addOption(words, "-n", number(value.cast<int64_t>()));
+            addOption(words, "-n", number(castArgument<int64_t>(value, "an integer n")));
         } else if (key == "remove_intermediate") {
             if (value.cast<bool>()) {
                 words.emplace_back("-removeIntermediate");

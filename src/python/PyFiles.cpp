@@ -8,6 +8,7 @@
 
 #include "python/PyBindings.h"
 #include "python/PyGraph.h"
+#include "python/PyIndices.h"
 #include "python/PySession.h"
 #include "korva/core/KxFileFormatRegistry.h"
 #include "korva/core/KxMessageConsole.h"
@@ -55,9 +56,12 @@ std::unique_ptr<PyGraph> load(const std::string& path) {
 
 void save(PyGraph& self, const std::string& path, const py::object& formatName) {
     KxSpatialGraph* graph = &self.graph();
+    // Read while the GIL is held: run() releases it.
+    const bool byPath = formatName.is_none();
+    const std::string name = byPath ? std::string() : castArgument<std::string>(formatName, "a format name");
     PySession::run([&] {
         const KxFileFormat* format = nullptr;
-        if (formatName.is_none()) {
+        if (byPath) {
             format = theFileFormats->findWriter(path.c_str(), graph);
             if (!format) {
                 theMsg->printf("Error: No format writes %s to files named like %s.", graph->getTypeName(),
@@ -65,7 +69,6 @@ void save(PyGraph& self, const std::string& path, const py::object& formatName) 
                 return false;
             }
         } else {
-            std::string name = formatName.cast<std::string>();
             format = theFileFormats->find(name.c_str());
             if (!format) {
                 theMsg->printf("Error: Unknown file format \"%s\".", name.c_str());

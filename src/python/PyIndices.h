@@ -1,8 +1,21 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include <pybind11/pybind11.h>
+
+// An argument converted to T; a value of the wrong type or range is a
+// TypeError that says what was expected and what came.
+template <typename T>
+T castArgument(const pybind11::handle& value, const char* expected) {
+    try {
+        return value.cast<T>();
+    } catch (const pybind11::cast_error&) {
+        throw pybind11::type_error(std::string("expected ") + expected + ", not " +
+                                   pybind11::repr(value).cast<std::string>());
+    }
+}
 
 // Index arguments from Python: a 1-D array-like of integers, each in
 // 0 .. count - 1, else IndexError (TypeError for something else); `what`

@@ -54,6 +54,7 @@ def test_straight_edges_run_between_their_vertices():
     (dict(point_attributes={"Region": REGION[:4]}), ValueError, "needs 9 rows"),
     (dict(point_attributes={"thickness": THICKNESS}), ValueError, "label group \"Region\""),
     (dict(vertex_attributes={"size": np.full(4, 2**40)}), ValueError, "beyond 32 bits"),
+    (dict(vertex_attributes={"size": np.full(4, 2**63, np.uint64)}), ValueError, "beyond 32 bits"),
     (dict(vertex_attributes={"name": np.array(list("abcd"))}), TypeError, "integers or floats"),
 ])
 def test_bad_arrays_are_refused(changes, error, message):

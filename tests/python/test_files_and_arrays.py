@@ -91,6 +91,17 @@ def test_failures_raise_error_with_the_console_line(neuron, tmp_path, call, mess
         call(neuron, tmp_path)
 
 
+@pytest.mark.parametrize("call, expected", [
+    (lambda g: g.save("x.kxm", format=5), "a format name, not 5"),
+    (lambda g: g.edit("addVertex", None, 0, 0), "a number, not None"),
+    (lambda g: g.edit("smooth", edges=[0], n=2.5), "an integer n, not 2.5"),
+    (lambda g: g.distance_to_point(edge=0.5, point=0), "an edge index, not 0.5"),
+])
+def test_arguments_of_a_wrong_type_are_type_errors_that_say_so(neuron, call, expected):
+    with pytest.raises(TypeError, match="^expected " + expected):
+        call(neuron)
+
+
 def test_damaged_file_raises_and_failed_save_keeps_the_old_file(neuron, tmp_path):
     damaged = tmp_path / "damaged.swc"
     damaged.write_text("1 1 0 0 0 1 -1\n2 1 0 0 x 1 1\n")
