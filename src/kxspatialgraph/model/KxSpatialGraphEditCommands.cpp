@@ -388,6 +388,14 @@ Operation* insertPoints(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs& a,
     if (!selects(interp, a.selection, 0, 1) || !parsePoints(interp, a.words[0], points)) {
         return nullptr;
     }
+    // Points inserted before point 0 would come before the source vertex's
+    // point and detach the edge from its vertex.
+    const SpatialGraphPoint at = a.selection.getSelectedPoint(0);
+    if (at.pointNum < 1) {
+        fail(interp, String::format("Error: Points go into edge %d before point 1 to %d, not before %d.",
+                                    at.edgeNum, g.getNumEdgePoints(at.edgeNum) - 1, at.pointNum));
+        return nullptr;
+    }
     return new InsertEdgePointsOperation(&g, points, a.selection, vis);
 }
 

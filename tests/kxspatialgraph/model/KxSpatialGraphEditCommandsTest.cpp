@@ -92,6 +92,8 @@ TEST_F(KxSpatialGraphEditCommandsTest, WrongCallsFailAndChangeNothing) {
          "Error: Point 2 of edge 1 is an end point; only inner points become vertices."},
         {"g edit vertexToPoint -vertices 0", "Error: Vertex 0 does not join two different edges."},
         {"g edit splitEdge 0 0 0 1 3", "Error: Edge 1 is split before point 1 to 2, not 3."},
+        {"g edit insertPoints {5 5 5} -points {{1 0}}",
+         "Error: Points go into edge 1 before point 1 to 2, not before 0."},
         {"g edit replace 0 {0 0 0 1 0}", "Error: \"0 0 0 1 0\" is not a list of x y z triples."},
         {"g edit addTracedEdge {} -points {{2 1} {2 2}}",
          "Error: The two edge points of a traced edge must lie on different edges."},
