@@ -2,7 +2,7 @@
 // distance along the graph to a reference point. The numbers come from the
 // modules' own static computations, so Python and the console agree.
 
-#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -96,6 +96,10 @@ py::array_t<float> distanceToPoint(const PyGraph& self, const py::object& edge, 
         const auto p = castArgument<std::vector<float>>(position, "a position (x, y, z)");
         if (p.size() != 3) {
             throw py::value_error("position must have 3 coordinates");
+        }
+        // No edge point is nearest to a NaN: the search would keep its first point.
+        if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) {
+            throw py::value_error("position must have finite coordinates");
         }
         at = Vec3f(p[0], p[1], p[2]);
     } else {

@@ -108,6 +108,8 @@ def test_statistics_and_distance_along_two_straight_edges():
         graph.distance_to_point(edge=3, point=0)
     with pytest.raises(TypeError):
         graph.distance_to_point(edge=0)
+    with pytest.raises(ValueError, match="finite"):
+        graph.distance_to_point(position=(np.nan, 0, 0))
 
 
 def test_tables_and_distances_stay_whole_while_another_thread_edits():
