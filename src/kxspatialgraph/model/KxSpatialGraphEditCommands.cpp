@@ -320,6 +320,36 @@ bool convertible(Tcl_Interp* interp, const KxSpatialGraph& graph, int v) {
     return true;
 }
 
+// The number of points of edge e once point k of edge `split` (of m points)
+// has become a vertex: that edge goes, the later edges move down by one, and
+// its halves (points 0..k and k..m-1) become the last two edges.
+int pointsAfterConversion(const KxSpatialGraph& graph, int split, int k, int m, int e) {
+    const int n = graph.getNumEdges();
+    if (e < split) {
+        return graph.getNumEdgePoints(e);
+    }
+    if (e < n - 1) {
+        return graph.getNumEdgePoints(e + 1);
+    }
+    if (e == n - 1) {
+        return k + 1;
+    }
+    return e == n ? m - k : 0;
+}
+
+// A point that the edit names as the graph is after an earlier conversion
+// (`step` says which) must be an inner point there; checked before anything
+// changes, so that the edit is not left half done.
+bool innerAfterConversion(Tcl_Interp* interp, const KxSpatialGraph& graph, int split, int k, int m,
+                          const SpatialGraphPoint& p, const String& step) {
+    const int count = pointsAfterConversion(graph, split, k, m, p.edgeNum);
+    if (p.pointNum > 0 && p.pointNum < count - 1) {
+        return true;
+    }
+    return fail(interp, String::format("Error: Point %d of edge %d is not an inner point once %s.",
+                                       p.pointNum, p.edgeNum, step.getString()));
+}
+
 // A split inserts before point index, which must lie inside the edge.
 bool splitPoint(Tcl_Interp* interp, const KxSpatialGraph& graph, char** words, int& edge, int& point) {
     if (!parseIndex(interp, words[0], graph.getNumEdges(), "Edge", edge)) {
@@ -496,6 +526,13 @@ Operation* splitEdgeAndConnect(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs& 
         fail(interp, "Error: Select a vertex or an edge point to connect the new vertex to.");
         return nullptr;
     }
+    // The split inserts the new point before `point` and makes it a vertex.
+    if (a.selection.getNumSelectedVertices() == 0 &&
+        !innerAfterConversion(interp, g, edge, point, g.getNumEdgePoints(edge) + 1,
+                              a.selection.getSelectedPoint(0),
+                              String::format("edge %d is split before point %d", edge, point))) {
+        return nullptr;
+    }
     return new SplitEdgeWithNewVertexAndConnectOperationSet(&g, p, edge, point, &a.polyline, &a.radii,
                                                             a.selection, vis);
 }
@@ -541,11 +578,17 @@ Operation* connectPointToVertex(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs&
     return op;
 }
 
-// The second point is named in the graph as the first conversion leaves it;
-// the operation itself refuses one that no longer exists.
+// The second point is named in the graph as the first conversion leaves it.
 Operation* connectPointToPoint(KxSpatialGraph& g, Tcl_Interp* interp, EditArgs& a,
                                const SpatialGraphSelection& vis) {
     if (!selects(interp, a.selection, 0, 2) || !innerPoints(interp, g, a.selection, 1)) {
+        return nullptr;
+    }
+    const SpatialGraphPoint first = a.selection.getSelectedPoint(0);
+    if (!innerAfterConversion(
+            interp, g, first.edgeNum, first.pointNum, g.getNumEdgePoints(first.edgeNum),
+            a.selection.getSelectedPoint(1),
+            String::format("point %d of edge %d is a vertex", first.pointNum, first.edgeNum))) {
         return nullptr;
     }
     return new ConnectPointToPointOperationSet(&g, nullptr, &a.polyline, &a.radii, a.selection, vis);

@@ -95,6 +95,10 @@ TEST_F(KxSpatialGraphEditCommandsTest, WrongCallsFailAndChangeNothing) {
         {"g edit insertPoints {5 5 5} -points {{1 0}}",
          "Error: Points go into edge 1 before point 1 to 2, not before 0."},
         {"g edit replace 0 {0 0 0 1 0}", "Error: \"0 0 0 1 0\" is not a list of x y z triples."},
+        {"g edit connectPointToPoint -points {{2 1} {2 2}}",
+         "Error: Point 2 of edge 2 is not an inner point once point 1 of edge 2 is a vertex."},
+        {"g edit splitEdgeAndConnect 1 1 1 2 1 -points {{2 2}}",
+         "Error: Point 2 of edge 2 is not an inner point once edge 2 is split before point 1."},
         {"g edit addTracedEdge {} -points {{2 1} {2 2}}",
          "Error: The two edge points of a traced edge must lie on different edges."},
     };
