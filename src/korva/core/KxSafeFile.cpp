@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <filesystem>
 #include <cstring>
 
 #include "korva/core/KxMessageConsole.h"
@@ -37,17 +37,24 @@ bool isReadOnly(const char* filename) {
            ((st.st_mode & 0222) == 0 || ::access(filename, W_OK) != 0);
 }
 
-// The file that saving to path replaces: a symbolic link is followed, so the
-// file it names gets the new contents and the link stays a link.
+// The file that saving to path replaces: symbolic links are followed, also
+// to a file that does not exist yet, so the file a link names gets the new
+// contents and the link stays a link.
 std::string replacedFile(const std::string& path) {
-    struct stat st;
-    if (::lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) {
-        return path;
+    const int kMaxLinks = 40;  // as the kernel's own limit, against loops
+    std::filesystem::path target = path;
+    for (int hop = 0; hop < kMaxLinks; ++hop) {
+        std::error_code error;
+        if (!std::filesystem::is_symlink(std::filesystem::symlink_status(target, error))) {
+            break;
+        }
+        std::filesystem::path next = std::filesystem::read_symlink(target, error);
+        if (error) {
+            break;
+        }
+        target = next.is_absolute() ? next : target.parent_path() / next;
     }
-    char* resolved = ::realpath(path.c_str(), nullptr);
-    std::string target = resolved ? resolved : path;
-    std::free(resolved);
-    return target;
+    return target.string();
 }
 
 // A FIFO, terminal or device cannot be replaced by a new file; it is written to.

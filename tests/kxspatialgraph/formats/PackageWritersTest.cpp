@@ -79,18 +79,22 @@ TEST_F(PackageWritersTest, SavingOverAFileKeepsItsModeOrLeavesItAsItWas) {
         EXPECT_EQ(modeOf(target), 0444u);
         ASSERT_EQ(chmod(target.c_str(), 0644), 0);
     }
-    // Through a symbolic link the file it names is replaced; a FIFO is written to.
-    const std::string link = dir_.path("link"), fifo = dir_.path("fifo");
+    // Through a symbolic link the file it names is replaced (or made); a FIFO is written to.
+    const std::string link = dir_.path("link"), fifo = dir_.path("fifo"), dangling = dir_.path("dangling");
     ASSERT_EQ(symlink("old", link.c_str()), 0);
+    ASSERT_EQ(symlink("new", dangling.c_str()), 0);
     ASSERT_EQ(mkfifo(fifo.c_str(), 0644), 0);
     int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
     const KxFileFormat& format = *theFileFormats->find("KorvaMeshASCII");
     EXPECT_TRUE(theFileFormats->save(format, graph, link.c_str()));
+    EXPECT_TRUE(theFileFormats->save(format, graph, dangling.c_str()));
     EXPECT_TRUE(theFileFormats->save(format, graph, fifo.c_str()));
     char head[9] = {};
     EXPECT_EQ(::read(reader, head, 9), 9);
     ::close(reader);
     EXPECT_EQ(std::string(head, 9), "KorvaMesh");
     EXPECT_EQ(readFileBytes(target).substr(0, 9), "KorvaMesh");
-    EXPECT_EQ(dir_.list(), (std::vector<std::string>{"fifo", "link", "neuron.hoc", "old"}));
+    EXPECT_EQ(readFileBytes(dir_.path("new")).substr(0, 9), "KorvaMesh");
+    EXPECT_EQ(dir_.list(),
+              (std::vector<std::string>{"dangling", "fifo", "link", "neuron.hoc", "new", "old"}));
 }
