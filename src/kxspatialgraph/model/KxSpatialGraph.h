@@ -43,6 +43,8 @@ class SpatialGraphSelection;
 class KxSpatialGraph : public KxSpatialData {
 public:
     enum Location { VERTEX = 0, EDGE = 1, POINT = 2 };
+    // "VERTEX", "EDGE" or "POINT": the word for a location in files and commands.
+    static const char* locationName(Location loc);
     using IncidenceList = SmallArray<int, 2>;
 
     KxSpatialGraph();

@@ -57,6 +57,11 @@ void deleteAll(List& list) {
 
 }  // namespace
 
+const char* KxSpatialGraph::locationName(Location loc) {
+    static const char* const kNames[] = {"VERTEX", "EDGE", "POINT"};
+    return kNames[loc];
+}
+
 // ---- Bookkeeping helpers ----------------------------------------------------------
 
 void KxSpatialGraph::appendValues(DArray<EdgeVertexAttribute*>& list) {

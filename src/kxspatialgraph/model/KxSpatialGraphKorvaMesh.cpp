@@ -48,15 +48,13 @@ bool KxSpatialGraph::isKorvaMeshArrayName(const char* name) {
 }
 
 int KxSpatialGraph::saveKorvaMesh(const char* filename, KorvaMeshEncoding encoding) {
-    static const char* const kLocationNames[] = {"VERTEX", "EDGE", "POINT"};
     for (Location loc : {VERTEX, EDGE, POINT}) {
         for (int i = 0; i < numAttributes(loc); ++i) {
             if (isKorvaMeshArrayName(attribute(loc, i)->getName())) {
                 theMsg->printf(
-                    "Error: cannot write KorvaMesh file \"%s\": the %s attribute \"%s\" has the name of one "
-                    "of "
-                    "the graph's own arrays.",
-                    filename, kLocationNames[loc], attribute(loc, i)->getName());
+                    "Error: cannot write KorvaMesh file \"%s\": the %s attribute \"%s\" has the "
+                    "name of one of the graph's own arrays.",
+                    filename, locationName(loc), attribute(loc, i)->getName());
                 return 0;
             }
         }

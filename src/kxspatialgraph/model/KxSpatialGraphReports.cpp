@@ -262,12 +262,11 @@ void KxSpatialGraph::info(KxInfoTags& tags) const {
     tags.add(korva ? "Nodes:" : "Vertices:", "%d", getNumVertices());
     tags.add(korva ? "Segments:" : "Edges:", "%d", getNumEdges());
     tags.add("Points:", "%d", getTotalNumEdgePoints());
-    static const char* const locations[] = {"VERTEX", "EDGE", "POINT"};
-    for (int loc = VERTEX; loc <= POINT; ++loc) {
-        for (int i = 0; i < numAttributes(static_cast<Location>(loc)); ++i) {
-            const GraphAttribute* a = attribute(static_cast<Location>(loc), i);
+    for (Location loc : {VERTEX, EDGE, POINT}) {
+        for (int i = 0; i < numAttributes(loc); ++i) {
+            const GraphAttribute* a = attribute(loc, i);
             const HierarchicalLabels* group = getLabelGroup(a);
-            tags.add("Attribute:", "%s (%s, %s, %d)%s%s", a->getName(), locations[loc],
+            tags.add("Attribute:", "%s (%s, %s, %d)%s%s", a->getName(), locationName(loc),
                      a->getPrimType() == PrimType::INT32 ? "int" : "float", a->getNumDataVar(),
                      group ? ", label group " : "", group ? group->getLabelGroupName() : "");
         }

@@ -9,10 +9,10 @@
 namespace SpatialGraphCommandArgs {
 
 bool parseLocation(const char* word, KxSpatialGraph::Location& loc) {
-    static const char* const names[] = {"VERTEX", "EDGE", "POINT"};
-    for (int i = 0; i < 3; ++i) {
-        if (std::strcmp(word, names[i]) == 0) {
-            loc = static_cast<KxSpatialGraph::Location>(i);
+    for (KxSpatialGraph::Location candidate :
+         {KxSpatialGraph::VERTEX, KxSpatialGraph::EDGE, KxSpatialGraph::POINT}) {
+        if (std::strcmp(word, KxSpatialGraph::locationName(candidate)) == 0) {
+            loc = candidate;
             return true;
         }
     }
