@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <cstring>
+#include <filesystem>
 
 #include "korva/core/KxMessageConsole.h"
 

@@ -1,5 +1,7 @@
 #include "kxspatialgraph/operations/SmoothOperation.h"
 
+#include <algorithm>
+
 #include "korva/core/KxMessageConsole.h"
 #include "kxspatialgraph/model/KxSpatialGraph.h"
 
@@ -53,7 +55,7 @@ DArray<Vec3f> SmoothOperation::smoothEdge(const DArray<Vec3f>& p, int n) const {
     int h = (n - 1) / 2;
     // The ends stay at their vertices even when h is 0 (n = 2 would
     // otherwise halve them and detach the edge from its vertices).
-    int first = h > 0 ? h : 1;
+    int first = std::max(h, 1);
     for (int i = first; i <= m - 1 - first; ++i) {
         for (int c = 0; c < 3; ++c) {
             if (!direction_[c]) {
