@@ -192,6 +192,10 @@ int writeHOC(const KxSpatialGraphInterface* graph, const char* filename) {
     EdgeVertexAttribute* ranks = singleValued(graph->doFindEdgeAttribute("Ranks"), PrimType::INT32);
     if (!ranks) {
         theMsg->printf("Error: No root segments specified!\n");
+        // Graphs read from SWC or built by hand have no ranks yet: say how to get them.
+        theMsg->printf(
+            "The edge attribute \"Ranks\" marks them; korva trees FILE -o OUT.hoc numbers the "
+            "branch ranks and writes the HOC file.\n");
         return 0;
     }
     KxSafeFile file(filename, "HOC file");

@@ -185,6 +185,7 @@ TEST(SpatialGraphHOCTest, WriterRefusesGraphsWithoutRanksAndDropsIsolatedVertice
     KxMessageCapture capture;
     EXPECT_EQ(writeHOC(y->getSpatialGraphInterface(), dir.path("y.hoc").c_str()), 0);
     EXPECT_TRUE(capture.contains("Error: No root segments specified!"));
+    EXPECT_NE(capture.text().find("korva trees FILE -o OUT.hoc"), std::string::npos);
     EXPECT_TRUE(dir.list().empty());
     y->addNewLabelGroup("Ranks", true, false, false);
     y->addVertex(Vec3f(9, 9, 9));
